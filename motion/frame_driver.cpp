@@ -1,0 +1,360 @@
+#include "motion/frame_driver.h"
+
+#include <cmath>
+
+#include "XPLMDisplay.h"
+#include "XPLMGraphics.h"
+#include "XPLMUtilities.h"
+#include "data/settings.h"
+#include "motion/angles.h"
+#include "shell/host_interface.h"
+
+namespace {
+
+FrameDriver gDriver;
+ViewDatarefs gRefs;
+
+constexpr int kCockpitViewType = 1026;
+constexpr int kExternalViewType = 1028;
+constexpr int64_t kStaleControlMs = 500;
+
+XPLMDataRef find(const char* name) { return XPLMFindDataRef(name); }
+
+float getf(XPLMDataRef ref) { return ref ? XPLMGetDataf(ref) : 0.0f; }
+int geti(XPLMDataRef ref) { return ref ? XPLMGetDatai(ref) : 0; }
+void setf(XPLMDataRef ref, float v) {
+    if (ref) XPLMSetDataf(ref, v);
+}
+void seti(XPLMDataRef ref, int v) {
+    if (ref) XPLMSetDatai(ref, v);
+}
+
+void runSimCommand(const char* name) {
+    XPLMCommandRef command = XPLMFindCommand(name);
+    if (command) XPLMCommandOnce(command);
+}
+
+// The simulator's wheel-zoom switch exists only in some versions; a failed lookup
+// is repeated once, later, because the dataref may be published after we start.
+bool killWheelZoomAvailable() {
+    if (gRefs.killWheelZoom) return true;
+    if (!gRefs.killWheelZoomRetried) {
+        gRefs.killWheelZoomRetried = true;
+        gRefs.killWheelZoom = find("sim/private/controls/camera/kill_wheel_zoom");
+    }
+    return false;
+}
+
+void writeHead(const CameraPose& pose) {
+    setf(gRefs.headX, pose.x);
+    setf(gRefs.headY, pose.y);
+    setf(gRefs.headZ, pose.z);
+    setf(gRefs.headPsi, pose.heading);
+    setf(gRefs.headThe, foldAngle(pose.pitch));
+    setf(gRefs.headRoll, foldAngle(pose.roll));
+}
+
+bool userChoseExternalView() { return !isCockpitView(); }
+
+// Step 4 of the frame: bring the simulator's view in line with the current camera.
+// Returns false when the frame ends here.
+bool reconcileView(Camera* current) {
+    FrameDriver& d = gDriver;
+    bool cockpitView = isCockpitView();
+    bool external = current->external;
+    if (!external && d.cameraControlled) {
+        releaseCameraControl();
+        selectCockpitView(false);
+        return true;
+    }
+    if (external && d.cameraControlled && cameraControlStale() && (d.selectionChanged || cockpitView)) {
+        if (cockpitView) selectFreeView();
+        takeCameraControl();
+        return true;
+    }
+    if (external && d.cameraControlled && cameraControlStale()) return true;
+    if (!external && !d.cameraControlled && d.selectionChanged && !cockpitView) {
+        selectCockpitView(false);
+        return true;
+    }
+    if (d.selectionChanged) return true;
+    if (cockpitView) return true;
+    if (external) return true;
+    if (d.cockpitReturnRequested) {
+        selectCockpitView(false);
+        pluginState().savedHeadPose = readHeadPose();
+        return false;
+    }
+    if (userChoseExternalView()) {
+        if (!d.headRollAvailable) setf(gRefs.headRoll, 0.0f);
+        if (getf(gRefs.fieldOfView) != d.defaultFov) setFieldOfView(d.defaultFov);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+FrameDriver& frameDriver() { return gDriver; }
+ViewDatarefs& viewDatarefs() { return gRefs; }
+float defaultFov() { return gDriver.defaultFov; }
+
+void initFrameDriver() {
+    gRefs = ViewDatarefs();
+    gRefs.headX = find("sim/graphics/view/pilots_head_x");
+    gRefs.headY = find("sim/graphics/view/pilots_head_y");
+    gRefs.headZ = find("sim/graphics/view/pilots_head_z");
+    gRefs.headPsi = find("sim/graphics/view/pilots_head_psi");
+    gRefs.headThe = find("sim/graphics/view/pilots_head_the");
+    gRefs.headRoll = find("sim/graphics/view/pilots_head_phi");
+    gDriver.headRollAvailable = gRefs.headRoll != nullptr;
+    if (!gRefs.headRoll) gRefs.headRoll = find("sim/graphics/view/field_of_view_roll_deg");
+    gRefs.fieldOfView = find("sim/graphics/view/field_of_view_deg");
+    gRefs.viewType = find("sim/graphics/view/view_type");
+    gRefs.viewIsExternal = find("sim/graphics/view/view_is_external");
+    gRefs.cinemaVerite = find("sim/graphics/view/cinema_verite");
+    gRefs.hideYoke = find("sim/graphics/view/hide_yoke");
+    gRefs.frameRatePeriod = find("sim/operation/misc/frame_rate_period");
+    gRefs.killWheelZoom = find("sim/private/controls/camera/kill_wheel_zoom");
+
+    bool rollAvailable = gDriver.headRollAvailable;
+    gDriver = FrameDriver();
+    gDriver.headRollAvailable = rollAvailable;
+    prime(gDriver.frameRateFilter, 100, 30.0f);
+}
+
+void noteSelectionChanged() { gDriver.selectionChanged = true; }
+
+bool isCockpitView() { return geti(gRefs.viewType) == kCockpitViewType; }
+
+bool isExternalView() {
+    if (simulatorVersion() < 10000) return geti(gRefs.viewIsExternal) != 0;
+    return geti(gRefs.viewType) == kExternalViewType;
+}
+
+bool viewIsForeign() {
+    if (!cameraEnabled()) return true;
+    Camera* current = currentCamera();
+    if (isCockpitView() && !current->external) return false;
+    return !isExternalView() || !current->external || cameraControlStale();
+}
+
+bool cameraControlStale() {
+    return gDriver.cameraControlled && monotonicMilliseconds() - gDriver.lastCallbackTime > kStaleControlMs;
+}
+
+void takeCameraControl() {
+    XPLMControlCamera(xplm_ControlCameraForever, cameraCallback, &gDriver.framePose);
+    gDriver.cameraControlled = true;
+    gDriver.lastCallbackTime = monotonicMilliseconds();
+}
+
+void releaseCameraControl() {
+    if (gDriver.cameraControlled) XPLMDontControlCamera();
+    gDriver.cameraControlled = false;
+}
+
+void selectCockpitView(bool force) {
+    if (isCockpitView() && !force) {
+        gDriver.cockpitReturnRequested = false;
+        return;
+    }
+    runSimCommand(simulatorVersion() < 10000 ? "sim/view/3d_cockpit" : "sim/view/3d_cockpit_cmnd_look");
+    gDriver.cockpitReturnRequested = false;
+}
+
+void selectFreeView() {
+    if (isExternalView()) return;
+    runSimCommand(simulatorVersion() < 10000 ? "sim/view/free_view_toggle" : "sim/view/free_camera");
+}
+
+void requestCockpitReturn() {
+    if (!isCockpitView()) gDriver.cockpitReturnRequested = true;
+}
+
+void setFieldOfView(float degrees) {
+    if (!settings().ENABLE_FORCE_FOV) return;
+    setf(gRefs.fieldOfView, degrees);
+}
+
+float currentFrameRate() {
+    // One more sample of the last value, so the figure follows the filter's window.
+    return average(gDriver.frameRateFilter, 100, lastValue(gDriver.frameRateFilter));
+}
+
+void setCallbackCamera(Camera* camera) { gDriver.callbackCamera = camera; }
+
+void beginRestore(Camera* camera) {
+    gDriver.restoreSnapshot = *camera;
+    camera->x = camera->homePose.x;
+    camera->y = camera->homePose.y;
+    camera->z = camera->homePose.z;
+    camera->heading = camera->homePose.heading;
+    camera->pitch = camera->homePose.pitch;
+    gDriver.restorePending = camera->smoothTransition || camera->linearTransition;
+}
+
+CameraPose readHeadPose() {
+    CameraPose pose;
+    pose.x = getf(gRefs.headX);
+    pose.y = getf(gRefs.headY);
+    pose.z = getf(gRefs.headZ);
+    pose.heading = getf(gRefs.headPsi);
+    pose.pitch = getf(gRefs.headThe);
+    pose.roll = getf(gRefs.headRoll);
+    pose.fov = getf(gRefs.fieldOfView);
+    pose.zoom = 1.0f;
+    return pose;
+}
+
+void runFrame() {
+    FrameDriver& d = gDriver;
+    PluginState& plugin = pluginState();
+    Camera* current = currentCamera();
+
+    // 2. In a view that is neither ours nor the cockpit, the simulator rules alone.
+    if (!isCockpitView() && !isExternalView() && !d.selectionChanged) {
+        releaseCameraControl();
+        return;
+    }
+
+    // 4. View reconciliation.
+    if (!reconcileView(current)) return;
+
+    // 5, 6.
+    d.selectionChanged = false;
+    if (plugin.firstFrameAfterEnable) {
+        plugin.savedHeadPose = readHeadPose();
+        plugin.firstFrameAfterEnable = false;
+    }
+
+    // 7. The nearest airport timer.
+    d.nearestAirportTimer += plugin.lastFrameSeconds;
+    if (d.nearestAirportTimer > 2.0f) d.nearestAirportTimer = 0.0f;
+
+    // 8. Frame rate.
+    float period = getf(gRefs.frameRatePeriod);
+    average(d.frameRateFilter, 100, period > 0.0f ? 1.0f / period : 30.0f);
+
+    // 10. Cinema verite follows the camera every frame.
+    seti(gRefs.cinemaVerite, current->cinemaVerite ? 1 : 0);
+
+    // 11.
+    if (d.restorePending) {
+        d.restorePending = false;
+        d.lastFrameCamera = &d.restoreSnapshot;
+    }
+
+    // 12. A new camera this frame.
+    if (current != d.lastFrameCamera) {
+        Camera* last = d.lastFrameCamera;
+        if (last && !last->external && last->hideYoke != 0) seti(gRefs.hideYoke, plugin.savedHideYoke);
+    }
+
+    // 13.
+    if (!current->external && current->hideYoke > 0) seti(gRefs.hideYoke, current->hideYoke - 1);
+
+    // 14. The aiming cross is only needed by target-following cameras.
+    if (current->targetFollowing) registerAimingCross();
+    else unregisterAimingCross();
+
+    // 15. Cockpit zoom lock.
+    if (!current->external) {
+        if (killWheelZoomAvailable()) {
+            setf(gRefs.killWheelZoom, current->disable3dCockpitZoom ? 1.0f : 0.0f);
+        } else if (current->disable3dCockpitZoom) {
+            XPLMCameraPosition_t position;
+            XPLMReadCameraPosition(&position);
+            if (position.zoom != current->zoom) XPLMControlCamera(xplm_ControlCameraForever, zoomOnceCallback, &current->zoom);
+        }
+    }
+
+    // 16. A camera's own zoom is applied once when it is selected or restored.
+    if ((current != d.lastFrameCamera || current->positionRestored) && current->zoom >= 1.0f) {
+        if (!current->external) XPLMControlCamera(xplm_ControlCameraForever, zoomOnceCallback, &current->zoom);
+        current->currentZoom = current->zoom;
+        current->positionRestored = false;
+    }
+
+    // 17. The camera has changed: the camera left behind forgets or keeps what the
+    // user did to it.
+    if (d.lastFrameCamera && d.lastFrameCamera != current) {
+        Camera* last = d.lastFrameCamera;
+        if (last->temporaryPositioning) restoreHomePosition(last);
+        else refreshHomePose(last);
+    }
+
+    // 18.
+    d.previousAirportFlag = current->airportCamera ? 1 : 0;
+    d.lastFrameCamera = current;
+
+    // 21. The pose of this frame.
+    d.framePose = cameraPose(current);
+
+    // 25. An external camera is placed by the camera callback.
+    if (current->external) {
+        d.callbackCamera = current;
+        if (!(isExternalView() && d.cameraControlled)) {
+            if (!isExternalView()) selectFreeView();
+            d.cockpitReturnRequested = false;
+            if (!d.cameraControlled) takeCameraControl();
+            return;
+        }
+    } else {
+        // 26. A cockpit camera moves the pilot's head.
+        writeHead(d.framePose);
+        setFieldOfView(d.framePose.fov);
+    }
+}
+
+int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon) {
+    FrameDriver& d = gDriver;
+    if (!d.callbackCamera || !cameraEnabled()) {
+        if (losingControl) d.cameraControlled = false;
+        return 0;
+    }
+    if (losingControl) {
+        d.cameraControlled = false;
+        return 0;
+    }
+    if (!position) return 0;
+    d.lastCallbackTime = monotonicMilliseconds();
+    Camera* camera = d.callbackCamera;
+    if (camera->chaseView9) {
+        camera->x = camera->y = camera->heading = 0.0f;
+        d.framePose.x = d.framePose.y = d.framePose.heading = 0.0f;
+    }
+    CameraPose out = d.framePose;
+    position->x = out.x;
+    position->y = out.y;
+    position->z = out.z;
+    position->pitch = out.pitch;
+    position->heading = out.heading;
+    position->roll = out.roll;
+    position->zoom = out.zoom;
+    setFieldOfView(out.fov);
+    camera->transitionPose = out;
+    return 1;
+}
+
+int zoomOnceCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon) {
+    if (!position || !refcon) return 0;
+    float wanted = *static_cast<float*>(refcon);
+    if (position->zoom == wanted) return 0;
+    position->zoom = wanted;
+    return 1;
+}
+
+int aimingCrossDrawCallback(XPLMDrawingPhase phase, int isBefore, void* refcon) { return 1; }
+
+void registerAimingCross() {
+    if (gDriver.drawCallbackRegistered) return;
+    XPLMRegisterDrawCallback(aimingCrossDrawCallback, xplm_Phase_Window, 1, nullptr);
+    gDriver.drawCallbackRegistered = true;
+}
+
+void unregisterAimingCross() {
+    if (!gDriver.drawCallbackRegistered) return;
+    XPLMUnregisterDrawCallback(aimingCrossDrawCallback, xplm_Phase_Window, 1, nullptr);
+    gDriver.drawCallbackRegistered = false;
+}

@@ -1,0 +1,79 @@
+// The frame driver: `runFrame`, called once a frame from the flight loop, decides
+// whether the plug-in may act on the view, reconciles the simulator's view with the
+// kind of the current camera, notices camera changes and produces `framePose`. It
+// owns the driver state record, the camera callback and the view datarefs.
+#pragma once
+
+#include <cstdint>
+
+#include "XPLMCamera.h"
+#include "XPLMDataAccess.h"
+#include "XPLMDisplay.h"
+#include "data/camera_set.h"
+#include "motion/running_average.h"
+
+struct FrameDriver {
+    CameraPose framePose;
+    Camera* lastFrameCamera = nullptr;
+    Camera* callbackCamera = nullptr;
+    bool cameraControlled = false;
+    int64_t lastCallbackTime = 0;
+    bool selectionChanged = false;
+    bool cockpitReturnRequested = false;
+    float defaultFov = 60.0f;
+    RunningAverage frameRateFilter;
+    float nearestAirportTimer = 0;
+    bool autoNearestAirport = false;
+    int32_t previousAirportFlag = 0;
+    bool headRollAvailable = false;
+    Camera restoreSnapshot;
+    bool restorePending = false;
+    bool drawCallbackRegistered = false;
+};
+
+// The simulator's view datarefs, found at host enable.
+struct ViewDatarefs {
+    XPLMDataRef headX = nullptr, headY = nullptr, headZ = nullptr;
+    XPLMDataRef headPsi = nullptr, headThe = nullptr, headRoll = nullptr;
+    XPLMDataRef fieldOfView = nullptr;
+    XPLMDataRef viewType = nullptr;
+    XPLMDataRef viewIsExternal = nullptr;
+    XPLMDataRef cinemaVerite = nullptr;
+    XPLMDataRef hideYoke = nullptr;
+    XPLMDataRef frameRatePeriod = nullptr;
+    XPLMDataRef killWheelZoom = nullptr;
+    bool killWheelZoomRetried = false;
+};
+
+FrameDriver& frameDriver();
+ViewDatarefs& viewDatarefs();
+
+// Finds the view datarefs and resets the driver; called at host enable.
+void initFrameDriver();
+
+void runFrame();
+void noteSelectionChanged();
+bool isCockpitView();
+bool isExternalView();
+bool viewIsForeign();
+bool cameraControlStale();
+void takeCameraControl();
+void releaseCameraControl();
+void selectCockpitView(bool force);
+void selectFreeView();
+void requestCockpitReturn();
+void setFieldOfView(float degrees);
+float currentFrameRate();
+void setCallbackCamera(Camera* camera);
+void beginRestore(Camera* camera);
+CameraPose readHeadPose();
+float defaultFov();
+
+int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon);
+int zoomOnceCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon);
+
+// The draw callback of the aiming cross, registered while the current camera follows a
+// target.
+int aimingCrossDrawCallback(XPLMDrawingPhase phase, int isBefore, void* refcon);
+void registerAimingCross();
+void unregisterAimingCross();

@@ -1,0 +1,189 @@
+#include "shell/lifecycle.h"
+
+#include <thread>
+
+#include "data/aircraft_files.h"
+#include "data/camera_file.h"
+#include "data/settings.h"
+#include "data/targets.h"
+#include "motion/angles.h"
+#include "motion/frame_driver.h"
+#include "panels/messages.h"
+#include "shell/host_interface.h"
+
+namespace {
+
+PluginState gState;
+std::thread* gCommunityScanThread = nullptr;
+XPLMDataRef gVrEnabled = nullptr;
+XPLMDataRef gLocalX = nullptr, gLocalY = nullptr, gLocalZ = nullptr;
+
+int findIntRef(const char* name) {
+    XPLMDataRef ref = XPLMFindDataRef(name);
+    return ref ? XPLMGetDatai(ref) : 0;
+}
+
+void setIntRef(const char* name, int value) {
+    XPLMDataRef ref = XPLMFindDataRef(name);
+    if (ref) XPLMSetDatai(ref, value);
+}
+
+void planeLoaded() {
+    if (vrEnabled()) {
+        logMessage(
+            "Vistarig has deteted a camera file for this aircraft but will not auto-enable because Vistarig does not "
+            "support Virtual Reality Mode");
+        return;
+    }
+    if (gState.cameraEnabled) disableCamera(true);
+    clearWorkingSet();
+    // Without a per-model file for this aircraft the plug-in stays off and the
+    // simulator keeps its view.
+    if (!cameraFileExists()) return;
+    loadCameraFile(nullptr);
+    CameraFile* file = activeFile();
+    if (file && file->manualEnable) requestCockpitReturn();
+    else enableCamera();
+}
+
+void airportLoaded() {
+    if (gState.cameraEnabled) requestCockpitReturn();
+    if (!gState.airportPositionsKnown) gState.airportPositionsKnown = true;
+}
+
+}  // namespace
+
+PluginState& pluginState() { return gState; }
+
+int simulatorVersion() {
+    int xplane = 0, xplm = 0;
+    XPLMHostApplicationID host = 0;
+    XPLMGetVersions(&xplane, &xplm, &host);
+    return xplane;
+}
+
+bool vrEnabled() { return gVrEnabled && XPLMGetDatai(gVrEnabled) != 0; }
+
+void requestCommunityRescan() { gState.communityRescanRequested = true; }
+
+void pluginStart() {
+    gState = PluginState();
+    clearWorkingSet();
+}
+
+void hostEnable() {
+    gState.trackIrStatus = 0;
+    gState.scenicFlyerStatus = 0;
+
+    std::string directory;
+    pluginDirectory(directory);
+
+    gLocalX = XPLMFindDataRef("sim/flightmodel/position/local_x");
+    gLocalY = XPLMFindDataRef("sim/flightmodel/position/local_y");
+    gLocalZ = XPLMFindDataRef("sim/flightmodel/position/local_z");
+    gVrEnabled = XPLMFindDataRef("sim/graphics/VR/enabled");
+
+    initFrameDriver();
+
+    readSettings();
+    readTargets();
+    logMessage("Initialization complete for version %s", versionText());
+    if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
+    gState.hostEnabled = true;
+}
+
+void hostDisable() {
+    if (gState.cameraEnabled) disableCamera(false);
+    destroyMessageBoxQueue();
+    writeSettingsKeepingPanelPositions();
+    gState.hostEnabled = false;
+}
+
+void pluginStop() {
+    if (gState.cameraEnabled) disableCamera(false);
+    if (gCommunityScanThread) {
+        gCommunityScanThread->join();
+        delete gCommunityScanThread;
+        gCommunityScanThread = nullptr;
+    }
+}
+
+void receiveMessage(XPLMPluginID from, int message, void* param) {
+    switch (message) {
+        case XPLM_MSG_PLANE_LOADED:
+            if (param == nullptr) planeLoaded();
+            break;
+        case XPLM_MSG_AIRPORT_LOADED:
+            airportLoaded();
+            break;
+        case XPLM_MSG_WILL_WRITE_PREFS: {
+            XPLMDataRef fov = viewDatarefs().fieldOfView;
+            if (gState.cameraEnabled && fov && XPLMGetDataf(fov) != defaultFov() && settings().ENABLE_FORCE_FOV)
+                XPLMSetDataf(fov, defaultFov());
+            break;
+        }
+        case XPLM_MSG_ENTERED_VR:
+            if (gState.cameraEnabled) disableCamera(false);
+            break;
+        default:
+            break;
+    }
+}
+
+void enableCamera() {
+    if (vrEnabled()) {
+        logMessage("Vistarig does not support Virtual Reality Mode");
+        return;
+    }
+    if (gState.cameraEnabled) return;
+    XPLMDataRef fov = viewDatarefs().fieldOfView;
+    frameDriver().defaultFov = fov ? XPLMGetDataf(fov) : 60.0f;
+    gState.firstFrameAfterEnable = true;
+    gState.savedCinemaVerite = findIntRef("sim/graphics/view/cinema_verite");
+    gState.savedHideYoke = findIntRef("sim/graphics/view/hide_yoke");
+    XPLMRegisterFlightLoopCallback(mainFlightLoop, -1.0f, nullptr);
+    gState.cameraEnabled = true;
+    selectCockpitView(false);
+}
+
+void disableCamera(bool keepHead) {
+    if (!gState.cameraEnabled) return;
+    FrameDriver& driver = frameDriver();
+    ViewDatarefs& refs = viewDatarefs();
+    setFieldOfView(driver.defaultFov);
+    XPLMDontControlCamera();
+    driver.cameraControlled = false;
+    XPLMUnregisterFlightLoopCallback(mainFlightLoop, nullptr);
+    gState.cameraEnabled = false;
+
+    const CameraPose& head = gState.savedHeadPose;
+    if (!keepHead) {
+        if (refs.headX) XPLMSetDataf(refs.headX, head.x);
+        if (refs.headY) XPLMSetDataf(refs.headY, head.y);
+        if (refs.headZ) XPLMSetDataf(refs.headZ, head.z);
+        if (refs.headPsi) XPLMSetDataf(refs.headPsi, head.heading);
+        if (refs.headThe) XPLMSetDataf(refs.headThe, foldAngle(head.pitch));
+    }
+    if (refs.headRoll) XPLMSetDataf(refs.headRoll, foldAngle(head.roll));
+
+    setIntRef("sim/graphics/view/cinema_verite", gState.savedCinemaVerite);
+    setIntRef("sim/graphics/view/hide_yoke", gState.savedHideYoke);
+    selectCockpitView(true);
+    if (XPLMIsCameraBeingControlled(nullptr)) XPLMDontControlCamera();
+    unregisterAimingCross();
+}
+
+float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void* refcon) {
+    try {
+        speakQueuedAnnouncements();
+        serviceCommunityScan(gCommunityScanThread, gState.communityRescanRequested);
+        if (gState.firstFrameAfterEnable) gState.miniPanelStartTime = monotonicMilliseconds();
+        if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000)
+            gState.miniPanelStartTime = 0;
+        gState.lastFrameSeconds = sinceLastCall;
+        runFrame();
+    } catch (...) {
+        logMessage("The frame failed and was skipped");
+    }
+    return -1.0f;
+}

