@@ -1,0 +1,46 @@
+// The host's world: X-Plane's local frame (x east, y up, z south, metres, origin at a
+// reference point on the ellipsoid) and world coordinates (latitude, longitude,
+// elevation) both ways in double precision; the terrain that probes find; the two
+// boats of "sim/world/boat/"; the aircraft's latitude, longitude and elevation kept in
+// step with its local position. Control API for tests and the runner.
+#pragma once
+
+#include <functional>
+
+namespace xphost {
+
+// The reference point of the local frame; by default the field the
+// default aircraft starts over (47.4638 N, 122.3078 W).
+void setReferencePoint(double latitude, double longitude);
+void referencePoint(double& latitude, double& longitude);
+
+// WGS84, through earth-centred coordinates: exact both ways to well under a millimetre
+// at any distance the simulator uses.
+void worldToLocal(double latitude, double longitude, double elevation, double& x, double& y, double& z);
+void localToWorld(double x, double y, double z, double& latitude, double& longitude, double& elevation);
+
+// Terrain as a height field over the local x/z plane: the local Y of the ground under
+// (x, z). A function that returns false there has no terrain (the probe misses).
+using TerrainFunction = std::function<bool(double x, double z, double& y)>;
+void setTerrain(TerrainFunction terrain);
+// The default field: flat at 0 within 3 km of the origin (the airfield and the sea of
+// the boats), rising outside it by 10 percent towards the north and east and by 5
+// percent towards the south and west, with gentle hills on the slopes.
+void setDefaultTerrain();
+bool defaultTerrainHeight(double x, double z, double& y);
+// The ground under (x, z) as the probes see it; false where there is none.
+bool terrainHeight(double x, double z, double& y);
+// Probes created and not destroyed, over all plug-ins.
+int liveProbeCount();
+
+// The carrier (0) and the frigate (1): local position and heading, and a speed in
+// metres per second along the heading, applied each frame.
+struct Boat {
+    double x = 0, y = 0, z = 0;
+    float heading = 0;
+    float speed = 0;
+};
+void setBoat(int index, const Boat& boat);
+Boat boat(int index);
+
+}  // namespace xphost
