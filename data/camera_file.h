@@ -1,0 +1,45 @@
+// The camera file: one comma-separated row of 70 columns per camera, with the file's
+// own values repeated on every row. Loading switches the working set between the
+// aircraft's file and an airport's file; saving replaces the file on disk whole.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "data/camera_set.h"
+
+constexpr int kCameraColumns = 70;
+constexpr int kCameraMinColumns = 10;
+constexpr int kCameraLineLimit = 2000;
+
+// Null or kind 0: the aircraft's file (per-model, else "Vistarig.csv", else a new
+// one); kind 1: the airport's. False only when a row had too few columns.
+bool loadCameraFile(CameraFile* file);
+// Writes the working set to activeFile's path; false when it could not be written.
+bool saveCameraFile(bool announce, bool backup);
+// Adds one camera from a split row to the working set; false when a limit stops it.
+bool readCameraRow(char** tokens, int count);
+// Fills the totals and file columns of `file` from the file at its path, without
+// touching the working set.
+void analyseCameraFile(CameraFile* file);
+// The same without the log line, for the community scan thread (which may not call the
+// simulator): false when the file can't be opened.
+bool analyseCameraFileQuietly(CameraFile* file);
+// Whether the aircraft's per-model file can be read; "Vistarig.csv" doesn't count.
+bool cameraFileExists();
+// The aircraft's file again, with category 0 and its camera 0 selected.
+void restoreAllCameras();
+
+// ---- the two halves of the format, free of the file system, for tests, the fuzzer
+// and the benchmark.
+// Reads rows into the working set (which the caller has cleared) and the file columns
+// into `file`; false when a row had fewer than 10 tokens (reading stops there).
+bool readCameraRows(std::FILE* stream, CameraFile& file);
+// Makes the working set writable so that it reads back the same: commas and control
+// characters in names become blanks, names are cut to 30 characters, empty and
+// repeated names get numbered ones, the file texts are cleaned.
+void prepareSetForWriting(CameraFile& file);
+// The whole file's text for the working set (header and rows).
+std::string formatCameraFile(const CameraFile& file);
+// The header line, newline included.
+const char* cameraFileHeader();

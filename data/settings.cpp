@@ -1,0 +1,273 @@
+#include "data/settings.h"
+
+#include <cctype>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+
+#include "data/aircraft_files.h"
+#include "data/text_io.h"
+#include "shell/host_interface.h"
+
+namespace {
+
+enum class Kind { real, integer, boolean, position };
+
+struct Key {
+    const char* name;
+    Kind kind;
+    size_t offset;
+};
+
+#define KEY(field, kind) {#field, Kind::kind, offsetof(Settings, field)}
+
+// The order of the lines in the file.
+const Key keys[] = {
+    KEY(INI_FILE_VERSION, integer),
+    KEY(SMALL_ROTATION_SPEED, real),
+    KEY(MEDIUM_ROTATION_SPEED, real),
+    KEY(LARGE_ROTATION_SPEED, real),
+    KEY(VERY_LARGE_ROTATION_SPEED, real),
+    KEY(SMALL_MOVEMENT_SPEED, real),
+    KEY(MEDIUM_MOVEMENT_SPEED, real),
+    KEY(LARGE_MOVEMENT_SPEED, real),
+    KEY(VERY_LARGE_MOVEMENT_SPEED, real),
+    KEY(SMALL_HEADTRACK_RANGE, real),
+    KEY(MEDIUM_HEADTRACK_RANGE, real),
+    KEY(LARGE_HEADTRACK_RANGE, real),
+    KEY(VERY_LARGE_HEADTRACK_RANGE, real),
+    KEY(ENABLE_PANSPEED_TOGGLE, boolean),
+    KEY(ENABLE_AUTO_SHOW_MINI_CONTROL_PANEL, boolean),
+    KEY(MOUSE_SMOOTHING_FACTOR, integer),
+    KEY(MOUSE_SPEED_FACTOR, real),
+    KEY(MOVEMENT_SMOOTHING_FACTOR, integer),
+    KEY(MINI_CONTROL_PANEL_MONITOR_INDEX, integer),
+    KEY(ENABLE_OPEN_MINI_CONTROL_PANEL_ON_START, boolean),
+    KEY(ENABLE_TRANSPARENT_MINI_CONTROL_PANEL, boolean),
+    KEY(ENABLE_SOLID_CONTROL_PANEL, boolean),
+    KEY(ENABLE_SHOW_TARGET_INFORMATION, boolean),
+    KEY(LOCK_KEYBOARD_CONTROL, boolean),
+    KEY(PAUSE_ON_FREE_TARGET_AIM, boolean),
+    KEY(HIDE_FAVORITES, boolean),
+    KEY(SMOOTH_WINDOW, integer),
+    KEY(DISABLE_QUICK_LOOK_EMULATION, boolean),
+    KEY(ENABLE_FORCE_FOV, boolean),
+    KEY(ALWAYS_SHOW_ADVANCED_CAMERA_OPTIONS, boolean),
+    KEY(HEAD_TRACK_SMOOTHING_FACTOR, integer),
+    KEY(VIEW_AXIS_SMOOTHING_FACTOR, integer),
+    KEY(DISABLE_VOICE_PROMPTS, boolean),
+    KEY(POPPED_OUT_MINI_PANEL_ALWAYS_ON_TOP, boolean),
+    KEY(REVERSE_CIRCLE_VIEW_MOUSE_Y, boolean),
+    KEY(CIRCLE_VIEW_WHEEL_ZOOM, boolean),
+    KEY(USE_SMALL_FONT, boolean),
+    KEY(MIDDLE_MOUSE_BEHAVIOR, integer),
+    KEY(VIEW_AXIS_NULL_ZONE, real),
+    KEY(VIEW_AXIS_HEADING_CENTER, real),
+    KEY(VIEW_AXIS_PITCH_CENTER, real),
+    KEY(VIEW_AXIS_ZOOM_CENTER, real),
+    KEY(VIEW_AXIS_CAMERA_LR_CENTER, real),
+    KEY(VIEW_AXIS_CAMERA_UD_CENTER, real),
+    KEY(VIEW_AXIS_CAMERA_FB_CENTER, real),
+    KEY(LAST_CONTROL_PANEL_POSITION, position),
+    KEY(LAST_MINI_CONTROL_PANEL_POSITION, position),
+};
+#undef KEY
+
+Settings current = builtInSettings();
+Settings saved = builtInSettings();
+
+const Key* findKey(const char* upper) {
+    for (const Key& key : keys)
+        if (std::strcmp(key.name, upper) == 0) return &key;
+    return nullptr;
+}
+
+bool parsePosition(const char* text, WindowPosition& out) {
+    // Colons become blanks; all five numbers must scan, else the field stays.
+    char copy[128];
+    copyText(copy, sizeof copy, text, sizeof copy - 1);
+    for (char* p = copy; *p; ++p)
+        if (*p == ':') *p = ' ';
+    int32_t values[5];
+    const char* p = copy;
+    for (int i = 0; i < 5; ++i) {
+        while (*p == ' ') ++p;
+        if (!parseInt(p, &values[i])) return false;
+        while (*p && *p != ' ') ++p;
+    }
+    out.kind = values[0];
+    out.left = values[1];
+    out.top = values[2];
+    out.right = values[3];
+    out.bottom = values[4];
+    return true;
+}
+
+void applyValue(Settings& into, const Key& key, const char* value) {
+    char* field = reinterpret_cast<char*>(&into) + key.offset;
+    switch (key.kind) {
+        case Kind::real:
+            parseFloat(value, reinterpret_cast<float*>(field));
+            break;
+        case Kind::integer:
+            parseInt(value, reinterpret_cast<int32_t*>(field));
+            break;
+        case Kind::boolean: {
+            int32_t number;
+            if (parseInt(value, &number)) *reinterpret_cast<bool*>(field) = number != 0;
+            break;
+        }
+        case Kind::position:
+            parsePosition(value, *reinterpret_cast<WindowPosition*>(field));
+            break;
+    }
+}
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
+
+// Files beyond this are not settings files; the first part is still read.
+constexpr size_t kSettingsReadLimit = 1 << 20;
+
+}  // namespace
+
+Settings builtInSettings() {
+    Settings s{};
+    s.SMALL_ROTATION_SPEED = 0.5f;
+    s.MEDIUM_ROTATION_SPEED = 1.0f;
+    s.LARGE_ROTATION_SPEED = 1.0f;
+    s.VERY_LARGE_ROTATION_SPEED = 2.0f;
+    s.SMALL_MOVEMENT_SPEED = 0.0005f;
+    s.MEDIUM_MOVEMENT_SPEED = 0.005f;
+    s.LARGE_MOVEMENT_SPEED = 0.1f;
+    s.VERY_LARGE_MOVEMENT_SPEED = 1.0f;
+    s.SMALL_HEADTRACK_RANGE = 1.0f;
+    s.MEDIUM_HEADTRACK_RANGE = 1.0f;
+    s.LARGE_HEADTRACK_RANGE = 1.0f;
+    s.VERY_LARGE_HEADTRACK_RANGE = 1.0f;
+    s.panSpeedFactor = 3.0f;
+    s.movementSpeedFactor = 3.0f;
+    s.ENABLE_AUTO_SHOW_MINI_CONTROL_PANEL = true;
+    s.MOUSE_SMOOTHING_FACTOR = 10;
+    s.MOUSE_SPEED_FACTOR = 1.0f;
+    s.VIEW_AXIS_SMOOTHING_FACTOR = 5;
+    s.ENABLE_SHOW_TARGET_INFORMATION = true;
+    s.SMOOTH_WINDOW = kSmoothWindowFloor;
+    s.VIEW_AXIS_NULL_ZONE = 0.025f;
+    return s;
+}
+
+Settings& settings() { return current; }
+Settings& defaults() { return saved; }
+
+std::string settingsPath() {
+    std::string folder;
+    if (!pluginDirectory(folder)) return std::string();
+    return folder + "Vistarig.ini";
+}
+
+void parseSettingsText(const char* text, size_t length, Settings& into) {
+    // Pairs of words split at any white space; a key is compared in upper case.
+    size_t i = 0;
+    auto nextWord = [&](std::string& word) {
+        while (i < length && (isBlank(text[i]) || text[i] == 0)) ++i;
+        if (i >= length) return false;
+        size_t start = i;
+        while (i < length && !isBlank(text[i]) && text[i] != 0) ++i;
+        word.assign(text + start, i - start);
+        return true;
+    };
+    std::string key, value;
+    while (nextWord(key) && nextWord(value)) {
+        if (key.size() > 64) continue;
+        for (char& c : key) c = char(std::toupper(static_cast<unsigned char>(c)));
+        const Key* found = findKey(key.c_str());
+        if (found) applyValue(into, *found, value.c_str());
+    }
+    if (into.SMOOTH_WINDOW < kSmoothWindowFloor) into.SMOOTH_WINDOW = kSmoothWindowFloor;
+}
+
+std::string formatSettingsText(const Settings& values) {
+    std::string out;
+    char number[400];
+    for (const Key& key : keys) {
+        const char* field = reinterpret_cast<const char*>(&values) + key.offset;
+        out += key.name;
+        out += ' ';
+        switch (key.kind) {
+            case Kind::real:
+                formatFixed(number, sizeof number, *reinterpret_cast<const float*>(field), 6);
+                out += number;
+                break;
+            case Kind::integer:
+                formatInt(number, sizeof number, *reinterpret_cast<const int32_t*>(field));
+                out += number;
+                break;
+            case Kind::boolean:
+                out += *reinterpret_cast<const bool*>(field) ? '1' : '0';
+                break;
+            case Kind::position: {
+                const WindowPosition& p = *reinterpret_cast<const WindowPosition*>(field);
+                const int64_t parts[5] = {p.kind, p.left, p.top, p.right, p.bottom};
+                for (int n = 0; n < 5; ++n) {
+                    if (n) out += ':';
+                    formatInt(number, sizeof number, parts[n]);
+                    out += number;
+                }
+                break;
+            }
+        }
+        out += '\n';
+    }
+    return out;
+}
+
+void readSettings() {
+    current = builtInSettings();
+    saved = current;
+    std::string path = settingsPath();
+    std::FILE* file = path.empty() ? nullptr : std::fopen(path.c_str(), "rb");
+    if (!file) {
+        writeSettings();
+        return;
+    }
+    std::string text;
+    char chunk[4096];
+    size_t got;
+    while (text.size() < kSettingsReadLimit && (got = std::fread(chunk, 1, sizeof chunk, file)) > 0)
+        text.append(chunk, got);
+    std::fclose(file);
+    parseSettingsText(text.data(), text.size(), current);
+}
+
+bool writeSettings() {
+    current.INI_FILE_VERSION = kIniFileVersion;
+    std::string path = settingsPath();
+    if (path.empty() || !replaceFileAtomically(path.c_str(), formatSettingsText(current))) {
+        logMessage("Unable to create %s", path.empty() ? "Vistarig.ini" : path.c_str());
+        return false;
+    }
+    return true;
+}
+
+void applyDefaultSettings() {
+    Settings kept = current;
+    current = saved;
+    current.VIEW_AXIS_NULL_ZONE = kept.VIEW_AXIS_NULL_ZONE;
+    current.VIEW_AXIS_HEADING_CENTER = kept.VIEW_AXIS_HEADING_CENTER;
+    current.VIEW_AXIS_PITCH_CENTER = kept.VIEW_AXIS_PITCH_CENTER;
+    current.VIEW_AXIS_ZOOM_CENTER = kept.VIEW_AXIS_ZOOM_CENTER;
+    current.VIEW_AXIS_CAMERA_LR_CENTER = kept.VIEW_AXIS_CAMERA_LR_CENTER;
+    current.VIEW_AXIS_CAMERA_UD_CENTER = kept.VIEW_AXIS_CAMERA_UD_CENTER;
+    current.VIEW_AXIS_CAMERA_FB_CENTER = kept.VIEW_AXIS_CAMERA_FB_CENTER;
+    current.LAST_CONTROL_PANEL_POSITION = kept.LAST_CONTROL_PANEL_POSITION;
+    current.LAST_MINI_CONTROL_PANEL_POSITION = kept.LAST_MINI_CONTROL_PANEL_POSITION;
+}
+
+void writeSettingsKeepingPanelPositions() {
+    WindowPosition control = current.LAST_CONTROL_PANEL_POSITION;
+    WindowPosition mini = current.LAST_MINI_CONTROL_PANEL_POSITION;
+    readSettings();
+    current.LAST_CONTROL_PANEL_POSITION = control;
+    current.LAST_MINI_CONTROL_PANEL_POSITION = mini;
+    writeSettings();
+}
