@@ -6,7 +6,13 @@
 #include "XPLMGraphics.h"
 #include "XPLMUtilities.h"
 #include "data/settings.h"
+#include "inputs/axis_input.h"
+#include "inputs/effects.h"
 #include "motion/angles.h"
+#include "motion/camera_pose.h"
+#include "motion/mouse_look.h"
+#include "motion/movement.h"
+#include "motion/transitions.h"
 #include "shell/host_interface.h"
 
 namespace {
@@ -100,6 +106,7 @@ ViewDatarefs& viewDatarefs() { return gRefs; }
 float defaultFov() { return gDriver.defaultFov; }
 
 void initFrameDriver() {
+    initCameraPose();
     gRefs = ViewDatarefs();
     gRefs.headX = find("sim/graphics/view/pilots_head_x");
     gRefs.headY = find("sim/graphics/view/pilots_head_y");
@@ -212,6 +219,9 @@ void runFrame() {
     PluginState& plugin = pluginState();
     Camera* current = currentCamera();
 
+    // 1. The movement speed belongs to the camera.
+    movementState().speedSelector = current->initialMovementRange;
+
     // 2. In a view that is neither ours nor the cockpit, the simulator rules alone.
     if (!isCockpitView() && !isExternalView() && !d.selectionChanged) {
         releaseCameraControl();
@@ -247,6 +257,8 @@ void runFrame() {
 
     // 12. A new camera this frame.
     if (current != d.lastFrameCamera) {
+        if (current->cameraAxis || current->viewAxis || current->external) rescanAxes();
+        if (current->freeCamera) worldToLocal(current);
         Camera* last = d.lastFrameCamera;
         if (last && !last->external && last->hideYoke != 0) seti(gRefs.hideYoke, plugin.savedHideYoke);
     }
@@ -280,6 +292,19 @@ void runFrame() {
     // user did to it.
     if (d.lastFrameCamera && d.lastFrameCamera != current) {
         Camera* last = d.lastFrameCamera;
+        freeTransition();
+        if (movementState().walkMode) stopMovement();
+        // Only a change within one category of one set glides; anything else jumps.
+        bool glides = last->categoryIndex == current->categoryIndex &&
+                      d.previousAirportFlag == (current->airportCamera ? 1 : 0);
+        TransitionFrame* list = nullptr;
+        if (glides && (current->linearTransition || current->smoothTransition)) list = buildTransition(last, current);
+        if (glides && current->bezierTransition) {
+            TransitionFrame* curve = buildBezierTransition(last, current);
+            freeTransitionList(list);
+            list = curve;
+        }
+        transitionState().transitionHead = list;
         if (last->temporaryPositioning) restoreHomePosition(last);
         else refreshHomePose(last);
     }
@@ -288,8 +313,30 @@ void runFrame() {
     d.previousAirportFlag = current->airportCamera ? 1 : 0;
     d.lastFrameCamera = current;
 
-    // 21. The pose of this frame.
-    d.framePose = cameraPose(current);
+    // 19. Axes act as velocities through the movement rates.
+    if (current->cameraAxis) applyAxisMotion(*current);
+
+    // 20.
+    applyMovementRates(current);
+
+    // 21. The pose of this frame: from the running transition, which may move the
+    // selection along a chain, or from the camera.
+    if (!transitionRunning()) {
+        applyMouseMove(current);
+        d.framePose = cameraPose(current);
+    } else {
+        stepTransition(current);
+    }
+
+    // 22, 23. A cockpit camera aims and levels here; an outside one in the callback.
+    if (!current->external) {
+        if (current->trackHeading) aimHeading(d.framePose, current, nullptr);
+        if (current->trackPitch) aimPitch(d.framePose, current, nullptr);
+    }
+    if (current->levelCamera) levelCockpitPose(d.framePose, current);
+
+    // 24. Mouse look follows the pose it turns.
+    updateMouseLook(d.framePose, current);
 
     // 25. An external camera is placed by the camera callback.
     if (current->external) {
@@ -302,9 +349,17 @@ void runFrame() {
         }
     } else {
         // 26. A cockpit camera moves the pilot's head.
+        applyCameraInputs(current, d.framePose);
+        applyScriptOffsets(current, d.framePose);
         writeHead(d.framePose);
         setFieldOfView(d.framePose.fov);
     }
+
+    // 27. Auto advance: a camera that ends its own transition hands on to the next.
+    Camera* next = nextCameraInCategory();
+    if (!transitionRunning() && current->autoAdvance &&
+        (next->linearTransition || next->smoothTransition || next->bezierTransition) && mayAutoAdvance())
+        nextCamera(true);
 }
 
 int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon) {
@@ -324,7 +379,8 @@ int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refc
         camera->x = camera->y = camera->heading = 0.0f;
         d.framePose.x = d.framePose.y = d.framePose.heading = 0.0f;
     }
-    CameraPose out = d.framePose;
+    CameraPose out;
+    externalPose(camera, out, d.framePose);
     position->x = out.x;
     position->y = out.y;
     position->z = out.z;
@@ -332,6 +388,8 @@ int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refc
     position->heading = out.heading;
     position->roll = out.roll;
     position->zoom = out.zoom;
+    float axisZoomValue;
+    if (axisZoom(axisZoomValue)) position->zoom = axisZoomValue;
     setFieldOfView(out.fov);
     camera->transitionPose = out;
     return 1;

@@ -37,7 +37,8 @@ float average(RunningAverage& filter, int32_t n, float x) {
         divisor = static_cast<float>(filter.count);
     } else if (filter.count > n + 1) {
         // Drop about half of the excess per call, so a smaller window takes over
-        // over a few frames rather than at once.
+        // over a few frames rather than at once. The ring then settles one or two
+        // values above the window while the divisor stays n, as the filter always did.
         pop(filter);
         int32_t pops = 1;
         while (pops < filter.count - n - 1) {

@@ -1,0 +1,506 @@
+#include "motion/transitions.h"
+
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "data/settings.h"
+#include "motion/camera_pose.h"
+#include "motion/frame_driver.h"
+#include "motion/movement.h"
+#include "shell/host_interface.h"
+
+namespace {
+
+constexpr double kRadians = 3.14159265358979323846 / 180.0;
+// A plain smooth transition without a frame count or seconds.
+constexpr int32_t kDefaultSmoothFrames = 15;
+// No Bezier leg is shorter than this.
+constexpr int32_t kMinBezierLegFrames = 10;
+
+TransitionState gState;
+
+// Frames come from chunks and go back to a free list, so the frame of a camera change
+// into a long chain doesn't pay one heap allocation per frame, and a consumed chain
+// leaves its memory for the next one instead of growing the heap.
+constexpr int32_t kFramesPerChunk = 4096;
+struct FramePool {
+    std::vector<std::unique_ptr<TransitionFrame[]>> chunks;
+    TransitionFrame* freeList = nullptr;
+    int64_t inUse = 0;
+};
+FramePool gPool;
+
+void normalise(CameraPose& pose) {
+    if (pose.heading >= 360.0f) pose.heading -= 360.0f;
+    else if (pose.heading < 0.0f) pose.heading += 360.0f;
+    if (pose.pitch >= 360.0f) pose.pitch -= 360.0f;
+    else if (pose.pitch < 0.0f) pose.pitch += 360.0f;
+    if (pose.roll < 0.0f) pose.roll += 360.0f;
+}
+
+TransitionFrame* newFrame(const CameraPose& pose, Camera* camera, float delay) {
+    TransitionFrame* frame = allocateFrame();
+    frame->pose = pose;
+    frame->delay = delay;
+    frame->camera = camera;
+    frame->next = nullptr;
+    frame->previous = nullptr;
+    return frame;
+}
+
+// A copy of `tail`, linked behind it.
+TransitionFrame* appendCopy(TransitionFrame* tail, Camera* camera) {
+    TransitionFrame* frame = newFrame(tail->pose, camera, 0.0f);
+    frame->previous = tail;
+    tail->next = frame;
+    return frame;
+}
+
+struct PoseDelta {
+    float x, y, z, fov, zoom, cgY, cgZ, cgX, heading, pitch, roll;
+};
+
+PoseDelta poseDelta(const CameraPose& a, const CameraPose& b) {
+    PoseDelta d;
+    d.x = b.x - a.x;
+    d.y = b.y - a.y;
+    d.z = b.z - a.z;
+    d.fov = b.fov - a.fov;
+    d.zoom = b.zoom - a.zoom;
+    d.cgY = b.cgY - a.cgY;
+    d.cgZ = b.cgZ - a.cgZ;
+    d.cgX = b.cgX - a.cgX;
+    d.heading = signedDifference(a.heading, b.heading);
+    d.pitch = signedDifference(a.pitch, b.pitch);
+    d.roll = signedDifference(a.roll, b.roll);
+    return d;
+}
+
+void advance(CameraPose& p, const PoseDelta& d, double weight) {
+    p.x += static_cast<float>(d.x * weight);
+    p.y += static_cast<float>(d.y * weight);
+    p.z += static_cast<float>(d.z * weight);
+    p.fov += static_cast<float>(d.fov * weight);
+    p.zoom += static_cast<float>(d.zoom * weight);
+    p.cgY += static_cast<float>(d.cgY * weight);
+    p.cgZ += static_cast<float>(d.cgZ * weight);
+    p.cgX += static_cast<float>(d.cgX * weight);
+    p.heading += static_cast<float>(d.heading * weight);
+    p.pitch += static_cast<float>(d.pitch * weight);
+    p.roll += static_cast<float>(d.roll * weight);
+    normalise(p);
+}
+
+// The start pose follows the head where inputs may have moved it away from the
+// camera's nominal place.
+bool headMayDiffer(const Camera* from) {
+    return !from->external &&
+           (from->trackIrEnabled || from->headShake || from->xpRealistic || from->realView || from->scriptId > 0);
+}
+
+struct Leg {
+    TransitionFrame* head = nullptr;
+    TransitionFrame* tail = nullptr;
+    bool mayChain = false;
+};
+
+// One camera change: the frames from `from` (or the head) to `to`.
+Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
+    if (from && from->freeCamera) worldToLocal(from);
+    if (to->freeCamera) worldToLocal(to);
+
+    int32_t n = to->transitionSeconds > 0.0f ? static_cast<int32_t>(currentFrameRate() * to->transitionSeconds)
+                                             : to->linearTransitionFrames;
+    CameraPose a = from ? cameraPose(from) : readHeadPose();
+    if (from && depth == 1 && headMayDiffer(from)) {
+        CameraPose head = readHeadPose();
+        a.x = head.x;
+        a.y = head.y;
+        a.z = head.z;
+        a.heading = head.heading;
+        a.pitch = head.pitch;
+        if (frameDriver().headRollAvailable) a.roll = head.roll;
+    }
+    CameraPose b = cameraPose(to);
+    float delay = to->transitionDelay > 0.0f ? to->transitionDelay : 0.0f;
+
+    Leg leg;
+    if ((!to->linearTransition || n < 1) && !to->smoothTransition) {
+        leg.head = leg.tail = newFrame(b, to, delay);
+        return leg;
+    }
+    leg.head = leg.tail = newFrame(a, to, delay);
+    if (!gState.chainWantsJoins && ((from && from->smoothCameraJoins) || to->smoothCameraJoins))
+        gState.chainWantsJoins = true;
+
+    PoseDelta d = poseDelta(a, b);
+    if (!to->linearTransition) {
+        // Sine-eased: the weights sum to one, slow at both ends.
+        int32_t m = n < 1 ? kDefaultSmoothFrames : n;
+        float step = 180.0f / static_cast<float>(m);
+        double sum = 0.0;
+        for (int32_t k = 1; k <= m; ++k) sum += std::sin(k * static_cast<double>(step) * kRadians);
+        for (float angle = step; angle <= 180.0f; angle += step) {
+            leg.tail = appendCopy(leg.tail, to);
+            advance(leg.tail->pose, d, std::sin(angle * kRadians) / sum);
+        }
+        leg.mayChain = true;
+    } else if (n >= 1) {
+        for (int32_t i = 0; i < n; ++i) {
+            leg.tail = appendCopy(leg.tail, to);
+            advance(leg.tail->pose, d, 1.0 / n);
+        }
+        leg.mayChain = true;
+    }
+    return leg;
+}
+
+// de Casteljau's equivalent in Bernstein form; the factorials reach 32! at most.
+const double* factorials() {
+    static double table[kMaxBezierPoints + 1];
+    if (table[0] == 0.0) {
+        table[0] = 1.0;
+        for (int i = 1; i <= kMaxBezierPoints; ++i) table[i] = table[i - 1] * i;
+    }
+    return table;
+}
+
+// The Bernstein weights of every sample of a curve of `count` points and `total`
+// samples. Every rounded corner of a chain has the same shape, so the table of the
+// last curve is kept and reused.
+const double* bernsteinWeights(int32_t count, int32_t total) {
+    static std::vector<double> table;
+    static int32_t tableCount = 0, tableTotal = 0;
+    if (count == tableCount && total == tableTotal) return table.data();
+    const double* fact = factorials();
+    int32_t degree = count - 1;
+    table.resize(static_cast<size_t>(total) * count);
+    for (int32_t i = 0; i < total; ++i) {
+        double t = static_cast<double>(i) / (total - 1);
+        if (1.0 - t < 0.000005) t = 1.0;
+        for (int32_t k = 0; k <= degree; ++k) {
+            double weight = fact[degree] / (fact[k] * fact[degree - k]);
+            // 0^0 counts as 1 at both ends of the curve.
+            weight *= (k == 0) ? 1.0 : std::pow(t, k);
+            weight *= (degree - k == 0) ? 1.0 : std::pow(1.0 - t, degree - k);
+            table[static_cast<size_t>(i) * count + k] = weight;
+        }
+    }
+    tableCount = count;
+    tableTotal = total;
+    return table.data();
+}
+
+void bezierPoint(Camera* const* points, int32_t count, const double* weights, double& x, double& y, double& z) {
+    x = y = z = 0.0;
+    for (int32_t k = 0; k < count; ++k) {
+        x += weights[k] * points[k]->x;
+        y += weights[k] * points[k]->y;
+        z += weights[k] * points[k]->z;
+    }
+}
+
+float interpolate(float a, float b, int32_t k, int32_t frames) {
+    return a + static_cast<float>(k) * (b - a) / static_cast<float>(frames);
+}
+
+float interpolateAngle(float a, float b, int32_t k, int32_t frames) {
+    return a + static_cast<float>(k) * signedDifference(a, b) / static_cast<float>(frames);
+}
+
+// Counts frames of `camera` walking from `frame` along previous (backwards) or next,
+// stopping once more than `limit` are found.
+int32_t runOfCamera(const TransitionFrame* frame, const Camera* camera, bool backwards, int32_t limit) {
+    int32_t count = 0;
+    while (frame && frame->camera == camera && count <= limit) {
+        ++count;
+        frame = backwards ? frame->previous : frame->next;
+    }
+    return count;
+}
+
+TransitionFrame* stepFrames(TransitionFrame* frame, int32_t steps, bool backwards) {
+    for (int32_t i = 0; i < steps && frame; ++i) frame = backwards ? frame->previous : frame->next;
+    return frame;
+}
+
+void writePose(Camera& camera, const CameraPose& pose) {
+    camera.x = pose.x;
+    camera.y = pose.y;
+    camera.z = pose.z;
+    camera.heading = pose.heading;
+    camera.pitch = pose.pitch;
+    camera.roll = pose.roll;
+    camera.cgY = pose.cgY;
+    camera.cgZ = pose.cgZ;
+    camera.cgX = pose.cgX;
+}
+
+}  // namespace
+
+TransitionState& transitionState() { return gState; }
+
+float signedDifference(float a, float b) {
+    float d = b - a;
+    if (std::fabs(d) > 180.0f) d += d < 0.0f ? 360.0f : -360.0f;
+    return d;
+}
+
+TransitionFrame* allocateFrame() {
+    if (!gPool.freeList) {
+        gPool.chunks.emplace_back(new TransitionFrame[kFramesPerChunk]);
+        TransitionFrame* chunk = gPool.chunks.back().get();
+        for (int32_t i = 0; i < kFramesPerChunk; ++i) {
+            chunk[i].next = gPool.freeList;
+            gPool.freeList = &chunk[i];
+        }
+    }
+    TransitionFrame* frame = gPool.freeList;
+    gPool.freeList = frame->next;
+    ++gPool.inUse;
+    return frame;
+}
+
+void releaseFrame(TransitionFrame* frame) {
+    if (!frame) return;
+    frame->next = gPool.freeList;
+    frame->previous = nullptr;
+    gPool.freeList = frame;
+    --gPool.inUse;
+}
+
+int64_t framesAllocated() { return gPool.inUse; }
+
+int64_t framePoolCapacity() { return static_cast<int64_t>(gPool.chunks.size()) * kFramesPerChunk; }
+
+void releaseFramePool() {
+    if (gPool.inUse != 0) return;
+    gPool.chunks.clear();
+    gPool.freeList = nullptr;
+}
+
+void freeTransitionList(TransitionFrame* head) {
+    while (head) {
+        TransitionFrame* next = head->next;
+        releaseFrame(head);
+        head = next;
+    }
+}
+
+int32_t transitionLength(const TransitionFrame* head) {
+    int32_t n = 0;
+    for (; head; head = head->next) ++n;
+    return n;
+}
+
+TransitionFrame* buildTransition(Camera* from, Camera* to) {
+    // The legs of a chain are built one after another rather than by recursion, so a
+    // ring that runs to the depth limit doesn't need thousands of stack frames.
+    int32_t baseDepth = gState.buildDepth;
+    TransitionFrame* head = nullptr;
+    TransitionFrame* tail = nullptr;
+    int32_t depth = baseDepth;
+    for (;;) {
+        gState.buildDepth = ++depth;
+        if (depth == 1) gState.chainWantsJoins = false;
+        Leg leg = buildLeg(from, to, depth);
+        if (!head) {
+            head = leg.head;
+            tail = leg.tail;
+        } else if (leg.head == leg.tail) {
+            leg.head->previous = tail;
+            tail->next = leg.head;
+            tail = leg.head;
+        } else {
+            // The leg's head repeats the pose this list ends on; its delay moves on.
+            TransitionFrame* second = leg.head->next;
+            second->delay = leg.head->delay;
+            releaseFrame(leg.head);
+            second->previous = tail;
+            tail->next = second;
+            tail = leg.tail;
+        }
+        if (!leg.mayChain) break;
+        Camera* next = to->nextInCategory;
+        if (!(to->autoAdvance && depth < kMaxChainDepth && mayAutoAdvance() && next &&
+              (next->linearTransition || next->smoothTransition)))
+            break;
+        from = to;
+        to = next;
+    }
+    if (baseDepth == 0 && depth > 1 && gState.chainWantsJoins) smoothChainJoins(head);
+    gState.buildDepth = baseDepth;
+    return head;
+}
+
+TransitionFrame* buildBezierTransition(Camera* from, Camera* to) {
+    if (!mayAutoAdvance() || !from) return nullptr;
+    if (from->freeCamera) worldToLocal(from);
+    if (to && to->freeCamera) worldToLocal(to);
+
+    Camera* points[kMaxBezierPoints];
+    int32_t legFrames[kMaxBezierPoints];
+    int32_t count = 0;
+    int32_t total = 0;
+    Camera* c = from;
+    Camera* b = nullptr;
+    for (;;) {
+        b = c->nextInCategory;
+        if (!b) return nullptr;
+        if (c->freeCamera || b->freeCamera) worldToLocal(b);
+        if (b->transitionSeconds > 0.0f)
+            b->linearTransitionFrames = static_cast<int32_t>(currentFrameRate() * b->transitionSeconds);
+        int32_t frames = b->linearTransitionFrames > kMinBezierLegFrames ? b->linearTransitionFrames : kMinBezierLegFrames;
+        total += frames;
+        points[count] = c;
+        legFrames[count] = frames;
+        ++count;
+        bool more = b->autoAdvance && b->nextInCategory && b->nextInCategory->bezierTransition &&
+                    count < kMaxBezierPoints - 1 && b != from;
+        if (!more) break;
+        c = b;
+    }
+    points[count++] = b;
+    Camera* lastCamera = b;
+    if (count < 3) return nullptr;
+
+    TransitionFrame* head = nullptr;
+    TransitionFrame* tail = nullptr;
+    int32_t sample = 0;
+    float fallbackFov = defaultFov();
+    const double* weights = bernsteinWeights(count, total);
+    for (int32_t leg = 0; leg + 1 < count; ++leg) {
+        const Camera* a = points[leg];
+        const Camera* e = a->nextInCategory;
+        int32_t frames = legFrames[leg];
+        for (int32_t k = 0; k < frames; ++k, ++sample) {
+            double x, y, z;
+            bezierPoint(points, count, weights + static_cast<size_t>(sample) * count, x, y, z);
+            CameraPose pose;
+            pose.x = static_cast<float>(x);
+            pose.y = static_cast<float>(y);
+            pose.z = static_cast<float>(z);
+            pose.heading = interpolateAngle(a->heading, e->heading, k, frames);
+            pose.pitch = interpolateAngle(a->pitch, e->pitch, k, frames);
+            pose.roll = interpolateAngle(a->roll, e->roll, k, frames);
+            pose.zoom = interpolate(a->zoom, e->zoom, k, frames);
+            pose.fov = a->enableFov ? interpolate(a->fov, e->fov, k, frames) : fallbackFov;
+            pose.cgX = interpolate(a->cgX, e->cgX, k, frames);
+            pose.cgY = interpolate(a->cgY, e->cgY, k, frames);
+            pose.cgZ = interpolate(a->cgZ, e->cgZ, k, frames);
+            normalise(pose);
+            // The selection goes straight to the end of the chain.
+            TransitionFrame* frame = newFrame(pose, lastCamera, k == 0 ? e->transitionDelay : 0.0f);
+            if (!head) {
+                head = frame;
+            } else {
+                frame->previous = tail;
+                tail->next = frame;
+            }
+            tail = frame;
+        }
+    }
+    return head;
+}
+
+TransitionFrame* smoothChainJoins(TransitionFrame* head) {
+    int32_t half = settings().SMOOTH_WINDOW / 2;
+    // Scratch cameras of the three-point curve round one corner.
+    static Camera first, middle, last;
+    for (TransitionFrame* f = head; f && f->next; f = f->next) {
+        if (f->camera == f->next->camera) continue;
+        if (runOfCamera(f->previous, f->camera, true, half) <= half) continue;
+        if (runOfCamera(f->next->next, f->next->camera, false, half) <= half) continue;
+        TransitionFrame* before = stepFrames(f, half, true);
+        TransitionFrame* behind = stepFrames(f, half, false);
+        if (!before || !behind) continue;
+
+        first = *f->camera;
+        middle = *f->next->camera;
+        last = *f->next->camera;
+        first.linearTransition = false;
+        first.bezierTransition = false;
+        first.autoAdvance = true;
+        first.linearTransitionFrames = 0;
+        first.nextInCategory = &middle;
+        middle.transitionSeconds = 0.0f;
+        middle.linearTransitionFrames = half + 1;
+        middle.bezierTransition = true;
+        middle.autoAdvance = true;
+        middle.nextInCategory = &last;
+        last.transitionSeconds = 0.0f;
+        last.linearTransitionFrames = half;
+        last.bezierTransition = true;
+        last.autoAdvance = false;
+        last.nextInCategory = nullptr;
+        writePose(first, before->pose);
+        writePose(middle, f->pose);
+        writePose(last, behind->pose);
+
+        TransitionFrame* curve = buildBezierTransition(&first, &last);
+        if (!curve) continue;
+        TransitionFrame* target = before;
+        for (TransitionFrame* c = curve; c && target; c = c->next, target = target->next) target->pose = c->pose;
+        freeTransitionList(curve);
+    }
+    return head;
+}
+
+void stepTransition(Camera*& current) {
+    TransitionFrame* h = gState.transitionHead;
+    if (!h) return;
+    FrameDriver& driver = frameDriver();
+    int64_t now = monotonicMilliseconds();
+    if (gState.delayEndTime == 0 && h->delay > 0.0f) {
+        gState.delayEndTime = now + static_cast<int64_t>(h->delay * 1000.0f);
+    } else if (gState.delayEndTime == 0) {
+        driver.framePose = h->pose;
+        gState.transitionHead = h->next;
+        releaseFrame(h);
+        TransitionFrame* next = gState.transitionHead;
+        if (!next) return;
+        next->previous = nullptr;
+        // Along a chain the selection moves with the legs, without a camera change.
+        if (next->camera != current) {
+            current = next->camera;
+            driver.lastFrameCamera = current;
+            selectCameraRecord(current);
+        }
+        return;
+    }
+    // A delay holds the view where it is.
+    if (now > gState.delayEndTime) {
+        gState.delayEndTime = 0;
+        h->delay = 0.0f;
+    }
+    driver.lastFrameCamera = current;
+}
+
+bool transitionRunning() { return gState.transitionHead != nullptr; }
+
+void freeTransition() {
+    freeTransitionList(gState.transitionHead);
+    gState.transitionHead = nullptr;
+    gState.delayEndTime = 0;
+}
+
+void stopCameraMotion() {
+    freeTransition();
+    stopMovement();
+}
+
+void startReturnTransition() {
+    if (transitionRunning()) return;
+    gState.transitionHead = buildTransition(nullptr, currentCamera());
+}
+
+float delaySecondsLeft() {
+    if (gState.delayEndTime == 0) return 0.0f;
+    return static_cast<float>(gState.delayEndTime - monotonicMilliseconds()) / 1000.0f;
+}
+
+bool mayAutoAdvance() {
+    // While the user edits in the Control Panel, chains wait unless the panel allows them.
+    return !controlPanelOpen();
+}
