@@ -6,10 +6,18 @@
 #include "data/camera_file.h"
 #include "data/settings.h"
 #include "data/targets.h"
+#include "inputs/axis_input.h"
+#include "inputs/effects.h"
+#include "inputs/trackir.h"
 #include "motion/angles.h"
 #include "motion/frame_driver.h"
+#include "motion/transitions.h"
+#include "motion/mouse_look.h"
 #include "panels/messages.h"
+#include "shell/command_table.h"
+#include "shell/sim_commands.h"
 #include "shell/host_interface.h"
+#include "shell/integration_datarefs.h"
 
 namespace {
 
@@ -35,6 +43,7 @@ void planeLoaded() {
             "support Virtual Reality Mode");
         return;
     }
+    resetCameraMotionAxisAssignment();
     if (gState.cameraEnabled) disableCamera(true);
     clearWorkingSet();
     // Without a per-model file for this aircraft the plug-in stays off and the
@@ -72,6 +81,7 @@ void pluginStart() {
 }
 
 void hostEnable() {
+    resetCameraMotionAxisAssignment();
     gState.trackIrStatus = 0;
     gState.scenicFlyerStatus = 0;
 
@@ -83,12 +93,16 @@ void hostEnable() {
     gLocalZ = XPLMFindDataRef("sim/flightmodel/position/local_z");
     gVrEnabled = XPLMFindDataRef("sim/graphics/VR/enabled");
 
+    publishIntegrationDatarefs();
+
     initFrameDriver();
+    createCommands();
 
     readSettings();
     readTargets();
     logMessage("Initialization complete for version %s", versionText());
     if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
+    createInputWindow();
     gState.hostEnabled = true;
 }
 
@@ -96,11 +110,16 @@ void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
+    destroyInputWindow();
+    // Nothing of ours may stay registered once the plug-in is gone; the next enable
+    // registers the handlers again.
+    removeCommandHandlers();
     gState.hostEnabled = false;
 }
 
 void pluginStop() {
     if (gState.cameraEnabled) disableCamera(false);
+    unpublishIntegrationDatarefs();
     if (gCommunityScanThread) {
         gCommunityScanThread->join();
         delete gCommunityScanThread;
@@ -136,12 +155,18 @@ void enableCamera() {
         return;
     }
     if (gState.cameraEnabled) return;
+    resetCameraMotionAxisAssignment();
     XPLMDataRef fov = viewDatarefs().fieldOfView;
+    installInterceptors();
     frameDriver().defaultFov = fov ? XPLMGetDataf(fov) : 60.0f;
+    integrationValues().vistarigEnabled = 1;
     gState.firstFrameAfterEnable = true;
     gState.savedCinemaVerite = findIntRef("sim/graphics/view/cinema_verite");
     gState.savedHideYoke = findIntRef("sim/graphics/view/hide_yoke");
+    headShakeOverride(true);
+    if (integrationValues().xpRealisticPresent != 0) logMessage("XPRealistic was found and will be enabled");
     XPLMRegisterFlightLoopCallback(mainFlightLoop, -1.0f, nullptr);
+    TrackIRStart(gState.trackIrStatus);
     gState.cameraEnabled = true;
     selectCockpitView(false);
 }
@@ -150,10 +175,15 @@ void disableCamera(bool keepHead) {
     if (!gState.cameraEnabled) return;
     FrameDriver& driver = frameDriver();
     ViewDatarefs& refs = viewDatarefs();
+    integrationValues().vistarigEnabled = 0;
+    stopCameraMotion();
+    releaseFramePool();
     setFieldOfView(driver.defaultFov);
+    removeInterceptors();
     XPLMDontControlCamera();
     driver.cameraControlled = false;
     XPLMUnregisterFlightLoopCallback(mainFlightLoop, nullptr);
+    TrackIRStop(gState.trackIrStatus);
     gState.cameraEnabled = false;
 
     const CameraPose& head = gState.savedHeadPose;
@@ -168,6 +198,7 @@ void disableCamera(bool keepHead) {
 
     setIntRef("sim/graphics/view/cinema_verite", gState.savedCinemaVerite);
     setIntRef("sim/graphics/view/hide_yoke", gState.savedHideYoke);
+    headShakeOverride(false);
     selectCockpitView(true);
     if (XPLMIsCameraBeingControlled(nullptr)) XPLMDontControlCamera();
     unregisterAimingCross();
