@@ -34,15 +34,6 @@ Aircraft userAircraft() {
     return aircraft;
 }
 
-std::string localTimeText() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[64];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    return text;
-}
-
 // ---- scan state: the flag and counters are written by the thread and read by the
 // main thread; the list and failures only while no scan runs.
 std::atomic<bool> scanRunning{false};

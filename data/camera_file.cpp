@@ -61,15 +61,6 @@ CameraFile* listHead() {
     return head ? head : &fallbackHead;
 }
 
-std::string localTimeText() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[64];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    return text;
-}
-
 std::string airportCameraPath(const CameraFile& file) {
     std::string folder;
     pluginDirectory(folder);

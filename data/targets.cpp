@@ -24,15 +24,6 @@ constexpr int kLineLimit = 2000;
 
 const char kTargetsHeader[] = "Name, Date, Latitude, Longitude, Elevation in Meters\n";
 
-std::string localTimeText() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[64];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    return text;
-}
-
 // Commas would shift the columns of the line and control characters split it; a name
 // or date holds neither, so whatever is in the grid writes and reads back the same.
 void cleanField(char* text) {

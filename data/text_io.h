@@ -40,3 +40,6 @@ bool replaceFileAtomically(const char* path, const std::string& content);
 
 // Whether `path` can be opened for reading.
 bool fileReadable(const char* path);
+
+// The present local time as "%Y-%m-%d %H:%M:%S": the stamp of new files and shares.
+std::string localTimeText();
