@@ -17,6 +17,7 @@
 #include "XPLMGraphics.h"
 #include "host/host_internal.h"
 #include "host/mouse.h"
+#include "host/scene.h"
 #include "host/windows.h"
 
 namespace xphost {
@@ -455,6 +456,7 @@ void drawScreen() {
     restoreState(m);
     glClearColor(0.32f, 0.46f, 0.62f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    drawScene(width, height);
 
     for (auto& [id, w] : s.windows) applyMode(w);
     static const int phases[] = {xplm_Phase_Modern3D, xplm_Phase_FirstCockpit, xplm_Phase_Panel, xplm_Phase_Gauges,

@@ -30,6 +30,8 @@ const char* const usageText =
 
 const char* const csvName = "vistarig-frames.csv";
 const char* const screenshotName = "vistarig-screen.png";
+const char* const cockpitShotName = "vistarig-cockpit.png";
+const char* const outsideShotName = "vistarig-outside.png";
 
 struct Options {
     std::string scenario;
@@ -107,6 +109,14 @@ bool installPlugin(const std::string& from, const std::string& root, std::string
     return std::rename(temporary.c_str(), installed.c_str()) == 0;
 }
 
+void takeScreenshot(const std::string& root, const char* name, const char* label) {
+    std::string error;
+    if (xphost::screenshot(root + name, &error))
+        std::cout << label << ": " << root << name << "\n";
+    else
+        std::cerr << "vistarig-sim: no " << name << ": " << error << "\n";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -126,7 +136,7 @@ int main(int argc, char** argv) {
     // Each run starts a fresh log, as X-Plane does.
     std::remove((root + "Log.txt").c_str());
     std::remove((root + csvName).c_str());
-    std::remove((root + screenshotName).c_str());
+    for (const char* name : {screenshotName, cockpitShotName, outsideShotName}) std::remove((root + name).c_str());
 
     xphost::reset();
     xphost::setRoot(root);
@@ -158,13 +168,13 @@ int main(int argc, char** argv) {
             if (part > 0) xphost::runCommand("KVT/Vistarig/Next_Category", xphost::Phase::Once);
             xphost::runFrames(n);
             run += n;
+            // A picture from inside the cockpit and one from the outside camera.
+            const bool cockpit = xphost::viewType() == xphost::viewCockpit3d;
+            if (part == 0 && cockpit) takeScreenshot(root, cockpitShotName, "Cockpit screenshot");
+            if (part == 1 && !cockpit) takeScreenshot(root, outsideShotName, "Outside screenshot");
         }
         // The default run ends with a picture of the screen as the last frame left it.
-        std::string shotError;
-        if (xphost::screenshot(root + screenshotName, &shotError))
-            std::cout << "Screenshot: " << root << screenshotName << "\n";
-        else
-            std::cerr << "vistarig-sim: no screenshot: " << shotError << "\n";
+        takeScreenshot(root, screenshotName, "Screenshot");
     } else {
         scenarioOk = xphost::runScenario(options.scenario, std::cout, error);
         if (!scenarioOk) std::cerr << "vistarig-sim: " << error << "\n";
