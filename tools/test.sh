@@ -6,6 +6,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=$(nproc)
 fuzz_seconds=${VISTARIG_FUZZ_SECONDS:-20}
+passed=0
 
 run_suite() {
   local name=$1; shift
@@ -14,7 +15,10 @@ run_suite() {
   cmake -S "$root" -B "$build" "$@" >/dev/null
   cmake --build "$build" -j"$jobs"
   echo "== $name tests"
-  (cd "$build" && ctest --output-on-failure -j"$jobs" --timeout 600)
+  (cd "$build" && ctest --output-on-failure -j"$jobs" --timeout 600) | tee "$build/ctest.log"
+  local count
+  count=$(sed -n 's/.*tests passed, 0 tests failed out of \([0-9]*\).*/\1/p' "$build/ctest.log" | tail -n 1)
+  passed=$((passed + ${count:-0}))
 }
 
 run_suite plain -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -27,7 +31,10 @@ echo "== tsan build"
 cmake -S "$root" -B "$tsan_build" -DCMAKE_BUILD_TYPE=Debug -DVISTARIG_TSAN=ON -DVISTARIG_BENCH=OFF >/dev/null
 cmake --build "$tsan_build" -j"$jobs" --target vistarig_tests
 echo "== tsan community scan tests"
-TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 "$tsan_build/tests/vistarig_tests" --gtest_filter='CommunityScanThread*'
+TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 "$tsan_build/tests/vistarig_tests" --gtest_filter='CommunityScanThread*' \
+  | tee "$tsan_build/tsan.log"
+tsan_count=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\..*/\1/p' "$tsan_build/tsan.log" | tail -n 1)
+passed=$((passed + ${tsan_count:-0}))
 
 if ls "$root"/fuzz/fuzz_*.cpp >/dev/null 2>&1; then
   build="$root/build/fuzz"
@@ -41,9 +48,15 @@ if ls "$root"/fuzz/fuzz_*.cpp >/dev/null 2>&1; then
     work=$(mktemp -d)
     [ -d "$corpus" ] && cp -r "$corpus"/. "$work"/
     echo "== fuzz $name for ${fuzz_seconds}s"
-    "$build/$name" -max_total_time="$fuzz_seconds" -max_len=8192 -print_final_stats=1 "$work" 2>&1 | grep -E "^(stat::number_of_executed_units|==|SUMMARY)" || true
-    [ "${PIPESTATUS[0]}" -eq 0 ] || { echo "fuzz $name failed"; exit 1; }
+    status=0
+    "$build/fuzz/$name" -max_total_time="$fuzz_seconds" -max_len=8192 -print_final_stats=1 "$work" \
+      > "$work.log" 2>&1 || status=$?
+    grep -E "^(Done|stat::number_of_executed_units|==[0-9]+==|SUMMARY)" "$work.log" || true
+    if [ "$status" -ne 0 ]; then tail -n 40 "$work.log"; echo "fuzz $name failed"; exit 1; fi
+    rm -f "$work.log"
     rm -rf "$work"
+    passed=$((passed + 1))
   done
 fi
 echo "== all suites passed"
+echo "vistarig: $passed passed, 0 failed"
