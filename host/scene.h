@@ -1,0 +1,16 @@
+// The world as the simulator's camera sees it, drawn on the screen under the windows:
+// sky and horizon, the terrain around the camera, the user's aircraft and the boats.
+// Fixed-function OpenGL in the screen's context, drawn only when the screen is.
+#pragma once
+
+namespace xphost {
+
+// Draws the scene from this frame's camera into the current context, a screen of
+// width x height pixels. Matrices, viewport and enables are left as they were and
+// the depth buffer cleared, so the window pass starts from its usual state.
+void drawScene(int width, int height);
+
+// The user's aircraft is painted in this colour (RGB), so a test can find it.
+constexpr float aircraftPaint[3] = {1.0f, 0.30f, 0.05f};
+
+}  // namespace xphost
