@@ -39,7 +39,7 @@ CameraPosition simulatorCamera() {
     CameraPosition p;
     p.zoom = s.simZoom;
     double psi = a.psi * degToRad;
-    // Body axes in local coordinates (x east, y up, z south), heading only.
+    // The heading's right and back axes in local coordinates (x east, y up, z south).
     double rightX = std::cos(psi), rightZ = std::sin(psi);
     double backX = -std::sin(psi), backZ = std::cos(psi);
     int view = viewType();
@@ -47,9 +47,17 @@ CameraPosition simulatorCamera() {
         float hx = simf("sim/graphics/view/pilots_head_x");
         float hy = simf("sim/graphics/view/pilots_head_y");
         float hz = simf("sim/graphics/view/pilots_head_z");
-        p.x = static_cast<float>(a.x + hx * rightX + hz * backX);
-        p.y = static_cast<float>(a.y + hy);
-        p.z = static_cast<float>(a.z + hx * rightZ + hz * backZ);
+        // The head offset is in the aircraft's body axes: roll, then pitch, then
+        // heading take it into local coordinates, so the eye stays in the cabin in a
+        // bank or a climb.
+        double phi = a.phi * degToRad, theta = a.theta * degToRad;
+        double x1 = hx * std::cos(phi) + hy * std::sin(phi);
+        double y1 = -hx * std::sin(phi) + hy * std::cos(phi);
+        double y2 = y1 * std::cos(theta) - hz * std::sin(theta);
+        double z2 = y1 * std::sin(theta) + hz * std::cos(theta);
+        p.x = static_cast<float>(a.x + x1 * rightX + z2 * backX);
+        p.y = static_cast<float>(a.y + y2);
+        p.z = static_cast<float>(a.z + x1 * rightZ + z2 * backZ);
         p.heading = a.psi + simf("sim/graphics/view/pilots_head_psi");
         p.pitch = a.theta + simf("sim/graphics/view/pilots_head_the");
         p.roll = a.phi + simf("sim/graphics/view/pilots_head_phi");

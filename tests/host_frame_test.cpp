@@ -243,4 +243,31 @@ TEST_F(HostFrame, AircraftFliesTheDefaultPathAndFramesAreRecorded) {
     EXPECT_EQ(rows, xphost::frameNumber());
 }
 
+TEST_F(HostFrame, CockpitEyeFollowsTheAircraftsAttitude) {
+    // Rolled 90 degrees right while heading north: the head's "up" offset points east;
+    // pitched 90 up instead, it points back, which is south.
+    auto fly = [](float theta, float phi) {
+        xphost::setAircraftMover([theta, phi](double) {
+            xphost::AircraftState a;
+            a.x = 100;
+            a.y = 500;
+            a.z = -200;
+            a.theta = theta;
+            a.phi = phi;
+            return a;
+        });
+        xphost::runFrames(1);
+        return xphost::cameraPosition();
+    };
+    ASSERT_TRUE(xphost::forceValue("sim/graphics/view/pilots_head_x", 0));
+    ASSERT_TRUE(xphost::forceValue("sim/graphics/view/pilots_head_y", 1));
+    ASSERT_TRUE(xphost::forceValue("sim/graphics/view/pilots_head_z", 0));
+    xphost::CameraPosition rolled = fly(0, 90);
+    EXPECT_NEAR(rolled.x, 101, 1e-4);
+    EXPECT_NEAR(rolled.y, 500, 1e-4);
+    xphost::CameraPosition pitched = fly(90, 0);
+    EXPECT_NEAR(pitched.y, 500, 1e-4);
+    EXPECT_NEAR(pitched.z, -199, 1e-4);
+}
+
 }  // namespace
