@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "data/aircraft_files.h"
+#include "data/kept_copies.h"
 #include "data/text_io.h"
 #include "motion/camera_pose.h"
 #include "motion/frame_driver.h"
@@ -34,26 +35,79 @@ constexpr double kWorldLimit = 1e9;
 // The stand-in list head when the model has none (never in the plug-in itself).
 CameraFile fallbackHead;
 
+// What the row being read could not take over, and how its numbers are written. Set
+// by readCameraText for the rows of one file.
+struct RowContext {
+    ReadLosses* losses = nullptr;
+    bool decimalComma = false;  // a spreadsheet's export with ';' between values
+};
+RowContext rowContext;
+
+void countLoss(int ReadLosses::*counter) {
+    if (rowContext.losses) ++(rowContext.losses->*counter);
+}
+
+bool blankToken(const char* token) {
+    while (*token == ' ' || *token == '\t') ++token;
+    return !*token;
+}
+
+// The number's text as the parser wants it: a decimal comma becomes a point.
+const char* numberText(const char* token) {
+    if (!rowContext.decimalComma || !std::strchr(token, ',')) return token;
+    static char scratch[kCameraLineLimit + 1];
+    copyText(scratch, sizeof scratch, token, kCameraLineLimit);
+    for (char* p = scratch; *p; ++p)
+        if (*p == ',') *p = '.';
+    return scratch;
+}
+
+void noteNumber(const char* text, bool integer) {
+    if (!blankToken(text) && !isWholeNumber(text, integer)) countLoss(&ReadLosses::badNumbers);
+}
+
+// Blanks around the word are trimmed, so a hand-edited " TRUE" stays true. Anything
+// but "TRUE" or "FALSE" is still read by its first word, and counted as not read.
 bool isTrue(const char* token) {
     while (*token == ' ' || *token == '\t') ++token;
     size_t length = 0;
     while (token[length] && token[length] != ' ' && token[length] != '\t' && token[length] != '\r' &&
            token[length] != '\n')
         ++length;
-    return length == 4 && std::strncmp(token, "TRUE", 4) == 0;
+    bool isTrueWord = length == 4 && std::strncmp(token, "TRUE", 4) == 0;
+    bool isFalseWord = length == 5 && std::strncmp(token, "FALSE", 5) == 0;
+    if (!(isTrueWord || isFalseWord || length == 0) || !blankToken(token + length))
+        countLoss(&ReadLosses::badBooleans);
+    return isTrueWord;
 }
 
-void readFloat(const char* token, float& field) { parseFloat(token, &field); }
-void readInt(const char* token, int32_t& field) { parseInt(token, &field); }
+void readFloat(const char* token, float& field) {
+    const char* text = numberText(token);
+    noteNumber(text, false);
+    parseFloat(text, &field);
+}
+void readInt(const char* token, int32_t& field) {
+    const char* text = numberText(token);
+    noteNumber(text, true);
+    parseInt(text, &field);
+}
 void readWorld(const char* token, double& field) {
+    const char* text = numberText(token);
+    noteNumber(text, false);
     double value;
-    if (parseDouble(token, &value) && std::fabs(value) <= kWorldLimit) field = value;
+    if (parseDouble(text, &value) && std::fabs(value) <= kWorldLimit) field = value;
+}
+
+// copyText that counts a text longer than its field.
+void copyField(char* field, int capacity, const char* token, int limit) {
+    if (static_cast<int>(std::strlen(token)) > limit) countLoss(&ReadLosses::cutTexts);
+    copyText(field, capacity, token, limit);
 }
 
 void copyTrimmed(char* field, int capacity, const char* token, int limit) {
     char scratch[kCameraLineLimit + 1];
     copyText(scratch, sizeof scratch, token, kCameraLineLimit);
-    copyText(field, capacity, trimText(scratch), limit);
+    copyField(field, capacity, trimText(scratch), limit);
 }
 
 CameraFile* listHead() {
@@ -88,14 +142,19 @@ struct RowWriter {
     void flag(bool value) { out += value ? "TRUE," : "FALSE,"; }
 };
 
-void writeRow(std::string& out, const CameraFile& file, const Category& category, const Camera& c, float fileFov) {
+// `fingerprint` leaves out what changes without the user: the simulator's field of view,
+// the aircraft's name and a free camera's local position (which moves with the local
+// origin), so that two sets compare equal when the user changed nothing.
+void writeRow(std::string& out, const CameraFile& file, const Category& category, const Camera& c, float fileFov,
+              bool fingerprint) {
     RowWriter w{out, {}};
     w.text(category.name);
     w.text(c.name);
     w.integer(c.viewId);
-    w.real(c.x);
-    w.real(c.y);
-    w.real(c.z);
+    bool local = !(fingerprint && c.freeCamera);
+    w.real(local ? c.x : 0.0f);
+    w.real(local ? c.y : 0.0f);
+    w.real(local ? c.z : 0.0f);
     w.real(c.heading);
     w.real(c.pitch);
     w.flag(c.trackIrEnabled);
@@ -133,7 +192,7 @@ void writeRow(std::string& out, const CameraFile& file, const Category& category
     w.flag(c.hidden);
     out += std::to_string(VISTARIG_MAJOR) + "." VISTARIG_MINOR ",";
     w.real(fileFov);
-    w.text(file.aircraft);
+    w.text(fingerprint ? "" : file.aircraft);
     out += file.author;
     out += " ,";
     out += file.fileVersion;
@@ -283,7 +342,7 @@ bool readCameraRow(char** tokens, int count) {
     // Cut first: a longer name would never match the stored one and would open a new
     // category on every row.
     char categoryName[kNameCopyLimit + 1];
-    copyText(categoryName, tokens[0], kNameCopyLimit);
+    copyField(categoryName, sizeof categoryName, tokens[0], kNameCopyLimit);
     int index = findOrAddCategory(categoryName, true);
     if (index < 0) {
         logMessage("Maximum allowed camera categories");
@@ -295,11 +354,14 @@ bool readCameraRow(char** tokens, int count) {
         return false;
     }
     Camera& c = category.cameras[category.cameraCount];
-    if (count > kCameraColumns) count = kCameraColumns;
+    if (count > kCameraColumns) {
+        countLoss(&ReadLosses::extraValues);
+        count = kCameraColumns;
+    }
     for (int column = 1; column < count; ++column) {
         const char* t = tokens[column];
         switch (column) {
-            case 1: copyText(c.name, t, kNameCopyLimit); break;
+            case 1: copyField(c.name, sizeof c.name, t, kNameCopyLimit); break;
             case 2: readInt(t, c.viewId); break;
             case 3: readFloat(t, c.x); break;
             case 4: readFloat(t, c.y); break;
@@ -351,9 +413,9 @@ bool readCameraRow(char** tokens, int count) {
             case 38: readInt(t, c.runCode); break;
             case 39: readFloat(t, c.transitionSeconds); break;
             case 40: c.hidden = isTrue(t); break;
-            case 41: copyText(file->programVersion, t, kFileInfoCopyLimit); break;
+            case 41: copyField(file->programVersion, sizeof file->programVersion, t, kFileInfoCopyLimit); break;
             case 42: readFloat(t, file->defaultFov); break;
-            case 43: copyText(file->aircraft, t, kFileInfoCopyLimit); break;
+            case 43: copyField(file->aircraft, sizeof file->aircraft, t, kFileInfoCopyLimit); break;
             case 44: copyTrimmed(file->author, sizeof file->author, t, kFileInfoCopyLimit); break;
             case 45: copyTrimmed(file->fileVersion, sizeof file->fileVersion, t, kFileInfoCopyLimit); break;
             case 46: break;
@@ -375,15 +437,15 @@ bool readCameraRow(char** tokens, int count) {
             case 56: c.cinemaVerite = isTrue(t); break;
             case 57: readFloat(t, c.cgX); break;
             case 58:
-                if (isTrue(t)) {
-                    c.hideYoke = 1;
-                } else {
-                    const char* word = t;
-                    while (*word == ' ' || *word == '\t') ++word;
-                    if (std::strncmp(word, "FALSE", 5) == 0) c.hideYoke = 0;
-                    else readInt(t, c.hideYoke);
-                }
+            {
+                char word[8];
+                copyText(word, sizeof word, t, 6);
+                trimText(word);
+                if (std::strcmp(word, "TRUE") == 0) c.hideYoke = 1;
+                else if (std::strcmp(word, "FALSE") == 0) c.hideYoke = 0;
+                else readInt(t, c.hideYoke);
                 break;
+            }
             case 59: c.cameraAxis = isTrue(t); break;
             case 60: c.xpRealistic = isTrue(t); break;
             case 61: c.realView = isTrue(t); break;
@@ -415,29 +477,148 @@ bool readCameraRow(char** tokens, int count) {
     return true;
 }
 
-bool readCameraRows(std::FILE* stream, CameraFile& file) {
+bool readCameraText(const char* text, size_t size, CameraFile& file, ReadLosses* losses) {
     CameraFile* previous = activeFile();
     bool borrowed = previous != &file;
     if (borrowed) setActiveFile(&file);
+    ReadLosses counted;
+    rowContext = RowContext();
+    rowContext.losses = &counted;
     static char line[kCameraLineLimit + 1];
     char* tokens[kCameraColumns + 1];
+    TextLines lines(text, size);
     bool ok = true;
-    while (readBoundedLine(stream, line, sizeof line)) {
-        int count = splitCommaLine(line, tokens, kCameraColumns + 1);
+    bool first = true;
+    char separator = ',';
+    while (lines.next(line, sizeof line)) {
+        if (first) {
+            // The first line with text tells how the file was exported.
+            bool blank = true;
+            for (const char* p = line; *p && blank; ++p) blank = *p == ' ' || *p == '\t';
+            if (blank) continue;
+            separator = detectSeparator(line);
+            rowContext.decimalComma = separator == ';';
+            first = false;
+        }
+        for (const char* p = line; *p; ++p)
+            if (static_cast<unsigned char>(*p) < 0x20 && *p != '\t') ++counted.unreadableBytes;
+        int count = splitDelimitedLine(line, tokens, kCameraColumns + 1, separator);
         if (count == 0) continue;
         if (count < kCameraMinColumns) {
             logMessage("The camera file does not have the minimum number of camera parameters");
+            counted.shortRows = 1;
+            while (lines.next(line, sizeof line)) {
+                const char* p = line;
+                while (*p == ' ' || *p == '\t' || *p == ',' || *p == ';') ++p;
+                if (*p) ++counted.rowsAfterShortRow;
+            }
             ok = false;
             break;
         }
         if (std::strcmp(tokens[0], "Category Name") == 0 && std::strcmp(tokens[1], "Camera Name") == 0) continue;
-        if (!readCameraRow(tokens, count)) logMessage("Unexpected error reading camera parameters");
+        if (!readCameraRow(tokens, count)) {
+            logMessage("Unexpected error reading camera parameters");
+            ++counted.droppedRows;
+        }
     }
+    counted.unreadableBytes += lines.droppedBytes + lines.cutLines;
+    rowContext = RowContext();
+    if (losses) *losses = counted;
     if (borrowed) setActiveFile(previous);
     return ok;
 }
 
+bool readCameraRows(std::FILE* stream, CameraFile& file, ReadLosses* losses) {
+    std::string text;
+    char chunk[65536];
+    size_t got;
+    while ((got = std::fread(chunk, 1, sizeof chunk, stream)) > 0) text.append(chunk, got);
+    return readCameraText(text.data(), text.size(), file, losses);
+}
+
+namespace {
+
+// The working set as last loaded or saved, to tell unsaved edits from none.
+CameraSet cleanSet;
+CameraFile cleanFile;
+bool cleanKnown = false;
+size_t lastAutosaveHash = 0;
+
+void markSetClean() {
+    CameraFile* file = activeFile();
+    if (!file) {
+        cleanKnown = false;
+        return;
+    }
+    cleanSet = workingSet();
+    cleanFile = *file;
+    cleanKnown = true;
+    lastAutosaveHash = 0;
+}
+
+// A damaged file leaves the user where the simulator put their eye: the set a new
+// file would get, kept in memory only. Saving it at once, as a new file is saved, would
+// replace what could not be read, and the new-file box would say something untrue.
+void buildStandInSet(CameraFile& file) {
+    if (file.kind == 1) buildNewAirportCamera();
+    else buildNewAircraftCamera();
+    setCurrentCategoryIndex(0);
+}
+
+// The file a load reads: its bytes and the path they came from.
+struct ChosenFile {
+    std::string setPath;   // where the set belongs and later saves go
+    std::string readPath;  // where the bytes came from; empty when nothing could be opened
+    std::string text;
+    bool truncated = false;
+};
+
+// Far beyond any file of 20 categories of 150 cameras (about 2.5 MB).
+constexpr size_t kCameraFileReadLimit = size_t(64) << 20;
+
+bool readCandidate(const std::string& path, ChosenFile& chosen) {
+    if (!readWholeFile(path.c_str(), chosen.text, kCameraFileReadLimit, &chosen.truncated)) return false;
+    chosen.readPath = path;
+    return true;
+}
+
+}  // namespace
+
+bool workingSetHasUnsavedEdits() {
+    CameraFile* file = activeFile();
+    if (!cleanKnown || !file || categoryCount() == 0) return false;
+    return formatCameraSet(workingSet(), *file, true) != formatCameraSet(cleanSet, cleanFile, true);
+}
+
+void autosaveUnsavedEdits() {
+    CameraFile* file = activeFile();
+    if (!file || !file->path[0] || !workingSetHasUnsavedEdits()) return;
+    prepareSetForWriting(*file);
+    std::string text = formatCameraFile(*file);
+    size_t hash = std::hash<std::string>()(text);
+    if (hash == lastAutosaveHash) return;  // these very edits were kept already
+    std::string kept = writeAutosave(file->path, text);
+    if (kept.empty()) {
+        logMessage("Unsaved camera edits of %s could not be kept", file->path);
+        announce("Unsaved camera edits could not be kept.");
+        return;
+    }
+    lastAutosaveHash = hash;
+    logMessage("Unsaved camera edits of %s were kept as %s", file->path, kept.c_str());
+    announce("Unsaved camera edits were kept in the backups folder.");
+}
+
 bool loadCameraFile(CameraFile* file) {
+    // An import from a file that can't be read changes nothing, and says so.
+    bool importing = file && file->kind == 0 && file->readFromPath;
+    if (importing && !fileReadable(file->path)) {
+        logMessage("Unable to read %s", file->path);
+        announce("Unable to import the camera file.");
+        return false;
+    }
+    // Edits that were never saved are kept before the set is replaced.
+    autosaveUnsavedEdits();
+
     // 1. The set that leaves the working set is kept, with its selection.
     if (CameraFile* active = activeFile()) {
         active->savedCategory = currentCategoryIndex();
@@ -448,24 +629,26 @@ bool loadCameraFile(CameraFile* file) {
 
     // 2. Which file.
     CameraFile* head = listHead();
-    std::string setPath;
-    std::FILE* stream = nullptr;
+    ChosenFile chosen;
+    // The set's own file is there but could not be read: a new file saved over it would
+    // lose it.
+    bool ownFileUnread = false;
     if (file && file->kind != 0) {
-        setPath = airportCameraPath(*file);
-        stream = std::fopen(setPath.c_str(), "rb");
+        chosen.setPath = airportCameraPath(*file);
+        if (!readCandidate(chosen.setPath, chosen)) ownFileUnread = !fileMissing(chosen.setPath.c_str());
     } else {
-        perModelCameraPath(setPath);
-        if (file && file->readFromPath) {
-            stream = std::fopen(file->path, "rb");
+        perModelCameraPath(chosen.setPath);
+        if (importing) {
+            readCandidate(file->path, chosen);
             if (file == head) file->readFromPath = 0;
             file = nullptr;
-        } else {
-            stream = std::fopen(setPath.c_str(), "rb");
+        } else if (!readCandidate(chosen.setPath, chosen)) {
+            ownFileUnread = !fileMissing(chosen.setPath.c_str());
         }
-        if (!stream) {
+        if (chosen.readPath.empty()) {
             std::string folderPath;
             folderCameraPath(folderPath);
-            stream = std::fopen(folderPath.c_str(), "rb");
+            readCandidate(folderPath, chosen);
         }
     }
 
@@ -473,16 +656,34 @@ bool loadCameraFile(CameraFile* file) {
     copyText(head->fileName, aircraftCameraFileName().c_str(), 999);
     CameraFile* active = file ? file : head;
     setActiveFile(active);
-    copyText(active->path, setPath.c_str());
+    copyText(active->path, chosen.setPath.c_str());
     active->manualEnable = false;
 
-    if (stream) {
-        bool complete = readCameraRows(stream, *active);
-        std::fclose(stream);
-        if (!complete) return false;
+    bool complete = true;
+    ReadLosses losses;
+    if (!chosen.readPath.empty()) {
+        complete = readCameraText(chosen.text.data(), chosen.text.size(), *active, &losses);
+        if (chosen.truncated) ++losses.unreadableBytes;
+        protectPartlyReadFile(chosen.readPath.c_str(), "Camera file", losses);
+    }
+    if (ownFileUnread) {
+        ReadLosses unread;
+        unread.unreadableBytes = 1;
+        protectPartlyReadFile(chosen.setPath.c_str(), "Camera file", unread);
     }
 
-    if (categoryCount() == 0) buildNewFile(*active);
+    if (categoryCount() == 0) {
+        if (!ownFileUnread && (chosen.readPath.empty() || !losses.any())) {
+            buildNewFile(*active);
+        } else {
+            buildStandInSet(*active);
+            complete = true;  // the stand-in is whole: the remaining steps run on it
+        }
+    }
+    if (!complete) {
+        markSetClean();
+        return false;
+    }
 
     for (int i = 0; i < categoryCount(); ++i) {
         Category& category = workingSet().categories[i];
@@ -505,7 +706,8 @@ bool loadCameraFile(CameraFile* file) {
         workingSet().categories[0].currentCamera = 0;
     }
     clearEffectScriptOffsets();
-    return true;
+    markSetClean();
+    return losses.shortRows == 0;
 }
 
 // ---------------------------------------------------------------- writing
@@ -569,20 +771,23 @@ void prepareSetForWriting(CameraFile& file) {
     }
 }
 
-std::string formatCameraFile(const CameraFile& file) {
+std::string formatCameraSet(const CameraSet& set, const CameraFile& file, bool fingerprint) {
     std::string out;
-    const CameraSet& set = workingSet();
     size_t rows = 0;
-    for (int i = 0; i < set.categoryCount; ++i) rows += size_t(set.categories[i].cameraCount);
+    int categories = set.categoryCount < 0 ? 0 : set.categoryCount > kMaxCategories ? kMaxCategories : set.categoryCount;
+    for (int i = 0; i < categories; ++i) rows += size_t(set.categories[i].cameraCount);
     out.reserve(sizeof kHeader + rows * 800);
     out += kHeader;
-    float fileFov = defaultFov();
-    for (int i = 0; i < set.categoryCount; ++i) {
+    float fileFov = fingerprint ? 0.0f : defaultFov();
+    for (int i = 0; i < categories; ++i) {
         const Category& category = set.categories[i];
-        for (int j = 0; j < category.cameraCount; ++j) writeRow(out, file, category, category.cameras[j], fileFov);
+        for (int j = 0; j < category.cameraCount && j < kMaxCameras; ++j)
+            writeRow(out, file, category, category.cameras[j], fileFov, fingerprint);
     }
     return out;
 }
+
+std::string formatCameraFile(const CameraFile& file) { return formatCameraSet(workingSet(), file, false); }
 
 bool saveCameraFile(bool announceSave, bool backup) {
     CameraFile* file = activeFile();
@@ -591,11 +796,19 @@ bool saveCameraFile(bool announceSave, bool backup) {
         logMessage("Unable to write camera file");
         return false;
     }
-    prepareSetForWriting(*file);
-    if (!replaceFileAtomically(file->path, formatCameraFile(*file))) {
+    // A file read only in part whose original could not be kept is never replaced.
+    if (replacingForbidden(file->path)) {
         logMessage("Unable to write camera file");
         return false;
     }
+    prepareSetForWriting(*file);
+    std::string why;
+    if (!replaceFileAtomically(file->path, formatCameraFile(*file), &why)) {
+        logMessage("Unable to write camera file");
+        logMessage("%s was left as it was: %s", file->path, why.c_str());
+        return false;
+    }
+    markSetClean();
     if (file->kind == 0 && backup) backupCameraFile(file->path);
     relinkSet(true);
     for (int id = 1; id <= kMaxViewId; ++id) {

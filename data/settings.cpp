@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "data/aircraft_files.h"
+#include "data/kept_copies.h"
 #include "data/text_io.h"
 #include "shell/host_interface.h"
 
@@ -103,24 +104,26 @@ bool parsePosition(const char* text, WindowPosition& out) {
     return true;
 }
 
-void applyValue(Settings& into, const Key& key, const char* value) {
+// False when the value was not read whole (the field keeps what it held, or what the
+// front of the value gave, as "%d" and "%f" would).
+bool applyValue(Settings& into, const Key& key, const char* value) {
     char* field = reinterpret_cast<char*>(&into) + key.offset;
     switch (key.kind) {
         case Kind::real:
             parseFloat(value, reinterpret_cast<float*>(field));
-            break;
+            return isWholeNumber(value, false);
         case Kind::integer:
             parseInt(value, reinterpret_cast<int32_t*>(field));
-            break;
+            return isWholeNumber(value, true);
         case Kind::boolean: {
             int32_t number;
             if (parseInt(value, &number)) *reinterpret_cast<bool*>(field) = number != 0;
-            break;
+            return isWholeNumber(value, true);
         }
         case Kind::position:
-            parsePosition(value, *reinterpret_cast<WindowPosition*>(field));
-            break;
+            return parsePosition(value, *reinterpret_cast<WindowPosition*>(field));
     }
+    return true;
 }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
@@ -165,11 +168,15 @@ std::string settingsPath() {
     return folder + "Vistarig.ini";
 }
 
-void parseSettingsText(const char* text, size_t length, Settings& into) {
+void parseSettingsText(const char* text, size_t length, Settings& into, ReadLosses* losses) {
+    ReadLosses counted;
     // Pairs of words split at any white space; a key is compared in upper case.
     size_t i = 0;
     auto nextWord = [&](std::string& word) {
-        while (i < length && (isBlank(text[i]) || text[i] == 0)) ++i;
+        while (i < length && (isBlank(text[i]) || text[i] == 0)) {
+            if (text[i] == 0) ++counted.unreadableBytes;
+            ++i;
+        }
         if (i >= length) return false;
         size_t start = i;
         while (i < length && !isBlank(text[i]) && text[i] != 0) ++i;
@@ -177,13 +184,18 @@ void parseSettingsText(const char* text, size_t length, Settings& into) {
         return true;
     };
     std::string key, value;
-    while (nextWord(key) && nextWord(value)) {
-        if (key.size() > 64) continue;
+    while (nextWord(key)) {
+        if (!nextWord(value)) {
+            ++counted.extraValues;  // a key without its value
+            break;
+        }
         for (char& c : key) c = char(std::toupper(static_cast<unsigned char>(c)));
-        const Key* found = findKey(key.c_str());
-        if (found) applyValue(into, *found, value.c_str());
+        const Key* found = key.size() > 64 ? nullptr : findKey(key.c_str());
+        if (!found) ++counted.extraValues;
+        else if (!applyValue(into, *found, value.c_str())) ++counted.badNumbers;
     }
     if (into.SMOOTH_WINDOW < kSmoothWindowFloor) into.SMOOTH_WINDOW = kSmoothWindowFloor;
+    if (losses) *losses = counted;
 }
 
 std::string formatSettingsText(const Settings& values) {
@@ -227,7 +239,14 @@ void readSettings() {
     std::string path = settingsPath();
     std::FILE* file = path.empty() ? nullptr : std::fopen(path.c_str(), "rb");
     if (!file) {
-        writeSettings();
+        if (path.empty() || fileMissing(path.c_str())) {
+            writeSettings();
+        } else {
+            // There but unreadable: the defaults written over it would lose the user's settings.
+            ReadLosses unread;
+            unread.unreadableBytes = 1;
+            protectPartlyReadFile(path.c_str(), "Settings file", unread);
+        }
         return;
     }
     std::string text;
@@ -235,15 +254,22 @@ void readSettings() {
     size_t got;
     while (text.size() < kSettingsReadLimit && (got = std::fread(chunk, 1, sizeof chunk, file)) > 0)
         text.append(chunk, got);
+    bool more = std::fgetc(file) != EOF;
     std::fclose(file);
-    parseSettingsText(text.data(), text.size(), current);
+    ReadLosses losses;
+    parseSettingsText(text.data(), text.size(), current, &losses);
+    if (more) ++losses.unreadableBytes;
+    protectPartlyReadFile(path.c_str(), "Settings file", losses);
 }
 
 bool writeSettings() {
     current.INI_FILE_VERSION = kIniFileVersion;
     std::string path = settingsPath();
-    if (path.empty() || !replaceFileAtomically(path.c_str(), formatSettingsText(current))) {
+    std::string why;
+    if (path.empty() || replacingForbidden(path.c_str()) ||
+        !replaceFileAtomically(path.c_str(), formatSettingsText(current), &why)) {
         logMessage("Unable to create %s", path.empty() ? "Vistarig.ini" : path.c_str());
+        if (!why.empty()) logMessage("%s was left as it was: %s", path.c_str(), why.c_str());
         return false;
     }
     return true;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "data/kept_copies.h"
 #include "panels/window_placement.h"
 
 // Each field is named by its key in the file; the two speed factors have no key.
@@ -85,5 +86,5 @@ std::string settingsPath();
 
 // Pure halves, for tests and the fuzzer: read pairs from text into `into` (which the
 // caller has set to its starting values), and the text of the file.
-void parseSettingsText(const char* text, size_t length, Settings& into);
+void parseSettingsText(const char* text, size_t length, Settings& into, ReadLosses* losses = nullptr);
 std::string formatSettingsText(const Settings& values);

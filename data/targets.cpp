@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "data/aircraft_files.h"
+#include "data/kept_copies.h"
 #include "data/text_io.h"
 #include "panels/messages.h"
 #include "shell/host_interface.h"
@@ -129,20 +130,36 @@ Target* addTarget(const char* name, const char* date, double latitude, double lo
     return added;
 }
 
-void readTargetsFrom(std::FILE* stream) {
-    char line[kLineLimit + 1];
+void readTargetsText(const char* text, size_t size, ReadLosses* losses) {
+    ReadLosses counted;
+    static char line[kLineLimit + 1];
     char* tokens[8];
-    while (readBoundedLine(stream, line, sizeof line)) {
-        int count = splitCommaLine(line, tokens, 8);
+    TextLines lines(text, size);
+    while (lines.next(line, sizeof line)) {
+        for (const char* p = line; *p; ++p)
+            if (static_cast<unsigned char>(*p) < 0x20 && *p != '\t') ++counted.unreadableBytes;
+        int count = splitDelimitedLine(line, tokens, 8, ',');
         if (count == 0) continue;
         if (count < 5) {
             logMessage("The target file does not have the minimum number of target parameters");
-            return;
+            counted.shortRows = 1;
+            while (lines.next(line, sizeof line)) {
+                const char* p = line;
+                while (*p == ' ' || *p == '\t' || *p == ',') ++p;
+                if (*p) ++counted.rowsAfterShortRow;
+            }
+            break;
         }
         if (isHeader(tokens)) continue;
+        if (count > 5) ++counted.extraValues;
+        if (std::strlen(tokens[0]) > size_t(kNameLimit) || std::strlen(tokens[1]) > size_t(kDateLimit))
+            ++counted.cutTexts;
         double latitude = 0, longitude = 0, elevation = 0;
         bool parsed = parseDouble(tokens[2], &latitude) && parseDouble(tokens[3], &longitude) &&
                       parseDouble(tokens[4], &elevation);
+        if (parsed && !(isWholeNumber(tokens[2], false) && isWholeNumber(tokens[3], false) &&
+                        isWholeNumber(tokens[4], false)))
+            ++counted.badNumbers;
         if (parsed && !(latitude >= -90.0 && latitude <= 90.0)) {
             logMessage("Invalid Latitude detected while reading Target %s, Latitude: %s Longitude: %s Elevation: %s",
                        tokens[0], number(latitude).c_str(), number(longitude).c_str(), number(elevation).c_str());
@@ -154,10 +171,21 @@ void readTargetsFrom(std::FILE* stream) {
         }
         if (!parsed) {
             logMessage("Unexpected error reading target parameters");
+            ++counted.droppedRows;
             continue;
         }
         addTarget(tokens[0], tokens[1], latitude, longitude, elevation, 0);
     }
+    counted.unreadableBytes += lines.droppedBytes + lines.cutLines;
+    if (losses) *losses = counted;
+}
+
+void readTargetsFrom(std::FILE* stream, ReadLosses* losses) {
+    std::string text;
+    char chunk[65536];
+    size_t got;
+    while ((got = std::fread(chunk, 1, sizeof chunk, stream)) > 0) text.append(chunk, got);
+    readTargetsText(text.data(), text.size(), losses);
 }
 
 void readTargets() {
@@ -165,12 +193,21 @@ void readTargets() {
     std::string path = targetsPath();
     std::FILE* stream = std::fopen(path.c_str(), "rb");
     if (!stream) {
-        logMessage("Unable to read target file: %s, a new one will be created", path.c_str());
-        writeTargets();
+        if (fileMissing(path.c_str())) {
+            logMessage("Unable to read target file: %s, a new one will be created", path.c_str());
+            writeTargets();
+        } else {
+            // There but unreadable: an empty list written over it would lose every target.
+            ReadLosses unread;
+            unread.unreadableBytes = 1;
+            protectPartlyReadFile(path.c_str(), "Target file", unread);
+        }
         return;
     }
-    readTargetsFrom(stream);
+    ReadLosses losses;
+    readTargetsFrom(stream, &losses);
     std::fclose(stream);
+    protectPartlyReadFile(path.c_str(), "Target file", losses);
 }
 
 std::string formatTargets() {
@@ -195,9 +232,11 @@ std::string formatTargets() {
 
 bool writeTargets() {
     std::string path = targetsPath();
-    if (!replaceFileAtomically(path.c_str(), formatTargets())) {
+    std::string why;
+    if (replacingForbidden(path.c_str()) || !replaceFileAtomically(path.c_str(), formatTargets(), &why)) {
         std::string text = "Unable to write target file: " + path;
         logMessage("%s", text.c_str());
+        if (!why.empty()) logMessage("%s was left as it was: %s", path.c_str(), why.c_str());
         showMessageBox("Error", text);
         return false;
     }

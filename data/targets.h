@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "data/kept_copies.h"
+
 struct Target {
     char name[71];
     char date[33];
@@ -43,7 +45,10 @@ void saveCameraAsTarget(const char* name);
 // Frees every target.
 void clearTargets();
 
-// The reader on an open stream (grid cleared by the caller); for the fuzzer.
-void readTargetsFrom(std::FILE* stream);
+// The reader (grid cleared by the caller), on text in memory or an open stream; what it
+// could not take over is counted in `losses` when given. A byte order mark and quoted
+// fields, as spreadsheet programs write them, are read.
+void readTargetsText(const char* text, size_t size, ReadLosses* losses = nullptr);
+void readTargetsFrom(std::FILE* stream, ReadLosses* losses = nullptr);
 // The file's text for the grid.
 std::string formatTargets();

@@ -86,6 +86,129 @@ int splitCommaLine(char* line, char** tokens, int capacity) {
     return count;
 }
 
+int splitDelimitedLine(char* line, char** tokens, int capacity, char separator) {
+    bool quoted = false;
+    for (const char* p = line; *p; ++p) {
+        if (*p != '"') continue;
+        const char* before = p;
+        while (before > line && (before[-1] == ' ' || before[-1] == '\t')) --before;
+        if (before == line || before[-1] == separator) {
+            quoted = true;
+            break;
+        }
+    }
+    if (!quoted) {
+        if (separator == ',') return splitCommaLine(line, tokens, capacity);
+        int count = 0;
+        char* p = line;
+        while (*p) {
+            while (*p == separator) ++p;
+            if (!*p) break;
+            char* start = p;
+            while (*p && *p != separator) ++p;
+            if (*p) *p++ = 0;
+            if (count < capacity) tokens[count++] = start;
+        }
+        return count;
+    }
+    int count = 0;
+    char* read = line;
+    for (;;) {
+        char* field = read;
+        char* write = read;
+        char* start = read;
+        while (*start == ' ' || *start == '\t') ++start;
+        if (*start == '"') {
+            read = start + 1;
+            for (;;) {
+                if (!*read) break;
+                if (*read == '"') {
+                    if (read[1] == '"') {
+                        *write++ = '"';
+                        read += 2;
+                        continue;
+                    }
+                    ++read;
+                    break;
+                }
+                *write++ = *read++;
+            }
+            // Anything between the closing quote and the separator belongs to the field.
+            while (*read && *read != separator) *write++ = *read++;
+        } else {
+            while (*read && *read != separator) *write++ = *read++;
+        }
+        bool more = *read == separator;
+        if (more) ++read;
+        *write = 0;
+        if (count < capacity) tokens[count++] = field;
+        if (!more) break;
+    }
+    // A separator at the end of the row closes it; it opens no empty last field.
+    while (count > 0 && !*tokens[count - 1]) --count;
+    return count;
+}
+
+char detectSeparator(const char* firstLine) {
+    bool inQuotes = false;
+    bool semicolon = false;
+    for (const char* p = firstLine; *p; ++p) {
+        if (*p == '"') inQuotes = !inQuotes;
+        else if (!inQuotes && *p == ',') return ',';
+        else if (!inQuotes && *p == ';') semicolon = true;
+    }
+    return semicolon ? ';' : ',';
+}
+
+bool isWholeNumber(const char* text, bool integer) {
+    if (!text) return false;
+    const char* start = skipToNumber(text);
+    const char* end = start + std::strlen(start);
+    const char* stop;
+    if (integer) {
+        int32_t value;
+        auto result = std::from_chars(start, end, value);
+        if (result.ec != std::errc()) return false;
+        stop = result.ptr;
+    } else {
+        double value;
+        auto result = std::from_chars(start, end, value, std::chars_format::general);
+        if (result.ec != std::errc() || !std::isfinite(value)) return false;
+        stop = result.ptr;
+    }
+    while (*stop == ' ' || *stop == '\t' || *stop == '\r' || *stop == '\n') ++stop;
+    return *stop == 0;
+}
+
+TextLines::TextLines(const char* text, size_t length) : data(text), size(length) {
+    if (size >= 3 && static_cast<unsigned char>(data[0]) == 0xEF && static_cast<unsigned char>(data[1]) == 0xBB &&
+        static_cast<unsigned char>(data[2]) == 0xBF)
+        at = 3;
+}
+
+bool TextLines::next(char* line, int capacity) {
+    if (at >= size) return false;
+    int length = 0;
+    bool cut = false;
+    while (at < size) {
+        char c = data[at++];
+        if (c == '\n') break;
+        if (c == '\r') {
+            if (at < size && data[at] == '\n') ++at;
+            break;
+        }
+        if (c == 0) {
+            ++droppedBytes;
+            continue;
+        }
+        if (length < capacity - 1) line[length++] = c;
+        else cut = true;
+    }
+    if (cut) ++cutLines;
+    if (capacity > 0) line[length] = 0;
+    return true;
+}
+
 char* trimText(char* text) {
     size_t length = std::strlen(text);
     while (length > 0 && std::strchr(" \t\r\n\f\v", text[length - 1])) --length;
@@ -113,33 +236,159 @@ bool readBoundedLine(std::FILE* file, char* line, int capacity) {
     return any;
 }
 
-bool replaceFileAtomically(const char* path, const std::string& content) {
-    std::string temporary = std::string(path) + ".tmpXXXXXX";
-    int fd = mkstemp(&temporary[0]);
-    if (fd < 0) return false;
-    bool ok = true;
+namespace {
+
+bool writeAll(int fd, const std::string& content) {
     const char* data = content.data();
     size_t left = content.size();
-    while (ok && left > 0) {
+    while (left > 0) {
         ssize_t written = ::write(fd, data, left);
         if (written < 0) {
             if (errno == EINTR) continue;
-            ok = false;
-        } else {
-            data += written;
-            left -= size_t(written);
+            return false;
         }
+        data += written;
+        left -= size_t(written);
     }
-    // mkstemp gives 0600; a user file should keep the usual permissions.
+    return true;
+}
+
+std::string folderOf(const std::string& path) {
+    size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos) return std::string();
+    return path.substr(0, slash + 1);
+}
+
+void setReason(std::string* why, const std::string& text) {
+    if (why) *why = text;
+}
+
+// A file with other names (hard links) must keep them: the new bytes go into the same
+// file. Its old bytes are first put aside in a complete copy, which is removed only
+// when the new bytes are on disk, and copied back when the rewrite fails.
+bool rewriteInPlace(const std::string& target, const std::string& content, std::string* why) {
+    std::string old;
+    if (!readWholeFile(target.c_str(), old, SIZE_MAX)) {
+        setReason(why, "it could not be read first");
+        return false;
+    }
+    std::string aside = target + ".oldXXXXXX";
+    int asideFd = mkstemp(&aside[0]);
+    if (asideFd < 0) {
+        setReason(why, std::string("no copy of it could be made: ") + std::strerror(errno));
+        return false;
+    }
+    bool kept = writeAll(asideFd, old) && fsync(asideFd) == 0;
+    if (::close(asideFd) != 0) kept = false;
+    if (!kept) {
+        ::unlink(aside.c_str());
+        setReason(why, "no copy of it could be made");
+        return false;
+    }
+    auto rewrite = [&](const std::string& bytes) {
+        int fd = ::open(target.c_str(), O_WRONLY | O_TRUNC);
+        if (fd < 0) return false;
+        bool ok = writeAll(fd, bytes) && fsync(fd) == 0;
+        if (::close(fd) != 0) ok = false;
+        return ok;
+    };
+    if (rewrite(content)) {
+        ::unlink(aside.c_str());
+        return true;
+    }
+    // Put the old bytes back; if even that fails, the copy aside stays for the user.
+    if (rewrite(old)) ::unlink(aside.c_str());
+    setReason(why, "it could not be rewritten");
+    return false;
+}
+
+}  // namespace
+
+std::string resolveLinks(const std::string& path) {
+    std::string current = path;
+    // As many hops as the system allows before it calls a chain a loop.
+    for (int hop = 0; hop < 40; ++hop) {
+        struct stat info;
+        if (lstat(current.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return current;
+        std::string target(size_t(info.st_size > 0 ? info.st_size : 4096) + 1, '\0');
+        ssize_t length = readlink(current.c_str(), &target[0], target.size());
+        if (length < 0 || size_t(length) >= target.size()) return current;
+        target.resize(size_t(length));
+        current = target[0] == '/' ? target : folderOf(current) + target;
+    }
+    return current;
+}
+
+bool readWholeFile(const char* path, std::string& out, size_t limit, bool* truncated) {
+    out.clear();
+    if (truncated) *truncated = false;
+    std::FILE* file = std::fopen(path, "rb");
+    if (!file) return false;
+    char chunk[65536];
+    size_t got;
+    bool ok = true;
+    while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) {
+        if (out.size() + got > limit) {
+            out.append(chunk, limit - out.size());
+            if (truncated) *truncated = true;
+            break;
+        }
+        out.append(chunk, got);
+    }
+    if (std::ferror(file)) ok = false;
+    std::fclose(file);
+    return ok;
+}
+
+bool replaceFileAtomically(const char* path, const std::string& content, std::string* why) {
+    if (!path || !*path) {
+        setReason(why, "no path");
+        return false;
+    }
+    std::string target = resolveLinks(path);
+    struct stat info;
+    bool exists = ::stat(target.c_str(), &info) == 0;
+    if (exists) {
+        if (!S_ISREG(info.st_mode)) {
+            setReason(why, "it is not a plain file");
+            return false;
+        }
+        // The mode counts even where the system would let us through (as root): a file
+        // without any write permission was protected by its user on purpose.
+        if ((info.st_mode & 0222) == 0 || ::access(target.c_str(), W_OK) != 0) {
+            setReason(why, "it is read-only");
+            return false;
+        }
+        if (info.st_nlink > 1) return rewriteInPlace(target, content, why);
+    }
+
+    std::string temporary = target + ".tmpXXXXXX";
+    int fd = mkstemp(&temporary[0]);
+    if (fd < 0) {
+        setReason(why, std::string("its folder can't be written: ") + std::strerror(errno));
+        return false;
+    }
+    bool ok = writeAll(fd, content);
     if (ok) {
-        mode_t mask = umask(0);
-        umask(mask);
-        fchmod(fd, 0666 & ~mask);
+        if (exists) {
+            // Best effort: the owner can only be given back where we may do so.
+            if (fchown(fd, info.st_uid, info.st_gid) != 0) {
+            }
+            fchmod(fd, info.st_mode & 07777);
+        } else {
+            // mkstemp gives 0600; a new user file gets the usual permissions.
+            mode_t mask = umask(0);
+            umask(mask);
+            fchmod(fd, 0666 & ~mask);
+        }
     }
     if (ok && fsync(fd) != 0) ok = false;
     if (::close(fd) != 0) ok = false;
-    if (ok && std::rename(temporary.c_str(), path) != 0) ok = false;
-    if (!ok) ::unlink(temporary.c_str());
+    if (ok && std::rename(temporary.c_str(), target.c_str()) != 0) ok = false;
+    if (!ok) {
+        setReason(why, std::string("writing failed: ") + std::strerror(errno));
+        ::unlink(temporary.c_str());
+    }
     return ok;
 }
 
@@ -148,6 +397,11 @@ bool fileReadable(const char* path) {
     if (!file) return false;
     std::fclose(file);
     return true;
+}
+
+bool fileMissing(const char* path) {
+    struct stat info;
+    return ::stat(path, &info) != 0 && errno == ENOENT;
 }
 
 std::string localTimeText() {

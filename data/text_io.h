@@ -24,6 +24,35 @@ int formatInt(char* buffer, int capacity, int64_t value);
 // empty. Returns the number of tokens, at most `capacity` (the rest are dropped).
 int splitCommaLine(char* line, char** tokens, int capacity);
 
+// Splits `line` in place as spreadsheet programs export it, when a field starts with a
+// double quote: every separator ends a field (so empty fields count), a quoted field
+// may hold separators, and a doubled quote inside it stands for one. A line without
+// such a field is split as splitCommaLine does, on `separator` (',' or ';').
+int splitDelimitedLine(char* line, char** tokens, int capacity, char separator);
+
+// The separator of a file from its first line: ';' when the line holds semicolons and
+// no comma (a spreadsheet's export where the decimal mark is a comma), else ','.
+char detectSeparator(const char* firstLine);
+
+// Whether `text` is one number (an integer when asked) with nothing but white space
+// around it: a field that "%d" or "%f" would read only in part is not.
+bool isWholeNumber(const char* text, bool integer);
+
+// Lines of a text in memory, read as readBoundedLine reads a file, and more: a leading
+// UTF-8 byte order mark is skipped, a lone carriage return ends a line too (old
+// spreadsheet exports), and what had to be dropped is counted.
+struct TextLines {
+    const char* data;
+    size_t size;
+    size_t at = 0;
+    int droppedBytes = 0;  // NUL bytes
+    int cutLines = 0;      // lines longer than the capacity, cut
+
+    TextLines(const char* text, size_t length);
+    // False at the end of the text.
+    bool next(char* line, int capacity);
+};
+
 // Trims white space at both ends, in place; returns `text`.
 char* trimText(char* text);
 
@@ -33,13 +62,28 @@ char* trimText(char* text);
 // was read.
 bool readBoundedLine(std::FILE* file, char* line, int capacity);
 
-// Replaces the file at `path` with `content`: written to a temporary file in the same
-// folder, flushed to disk, then renamed over the old one. When any step fails the old
-// file is left as it was, the temporary file is removed, and false is returned.
-bool replaceFileAtomically(const char* path, const std::string& content);
+// Replaces the file at `path` with `content` without ever losing the old one: written
+// to a temporary file in the same folder, flushed to disk, then renamed over it. A
+// symbolic link stays a link (its final target is replaced), the file keeps its mode
+// (and owner, where allowed), and a hard-linked file is rewritten in place with its old
+// bytes kept aside until the new ones are on disk. A file the user may not write, or
+// made read-only, is left untouched. When any step fails the old file is left as it
+// was and false is returned, with the reason in `why` when given.
+bool replaceFileAtomically(const char* path, const std::string& content, std::string* why = nullptr);
+
+// The file a write of `path` lands in: symbolic links followed to their final target
+// (which need not exist yet). `path` itself when it is no link.
+std::string resolveLinks(const std::string& path);
+
+// The whole file, at most `limit` bytes; false when it can't be opened or read.
+// `truncated` tells whether the file held more.
+bool readWholeFile(const char* path, std::string& out, size_t limit, bool* truncated = nullptr);
 
 // Whether `path` can be opened for reading.
 bool fileReadable(const char* path);
+// Whether nothing stands at `path` (a dangling link counts as nothing): only then may a
+// reader that could not open it start a new file there.
+bool fileMissing(const char* path);
 
 // The present local time as "%Y-%m-%d %H:%M:%S": the stamp of new files and shares.
 std::string localTimeText();

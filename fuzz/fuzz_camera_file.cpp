@@ -14,10 +14,7 @@ namespace {
 
 std::string readAndWrite(const char* data, size_t size, CameraFile& file) {
     clearWorkingSet();
-    std::FILE* stream = fmemopen(const_cast<char*>(data), size, "rb");
-    if (!stream) return std::string();
-    readCameraRows(stream, file);
-    std::fclose(stream);
+    readCameraText(data, size, file);
     relinkSet(true);
     prepareSetForWriting(file);
     return formatCameraFile(file);

@@ -45,6 +45,8 @@ void planeLoaded() {
     }
     resetCameraMotionAxisAssignment();
     if (gState.cameraEnabled) disableCamera(true);
+    // The last aircraft's edits that were never saved are kept before its set goes.
+    autosaveUnsavedEdits();
     clearWorkingSet();
     // Without a per-model file for this aircraft the plug-in stays off and the
     // simulator keeps its view.
@@ -77,6 +79,7 @@ void requestCommunityRescan() { gState.communityRescanRequested = true; }
 
 void pluginStart() {
     gState = PluginState();
+    clearReplacingRefusals();
     clearWorkingSet();
 }
 
@@ -108,6 +111,7 @@ void hostEnable() {
 
 void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
+    autosaveUnsavedEdits();
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();
