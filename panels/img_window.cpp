@@ -10,6 +10,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMGraphics.h"
 #include "XPLMPlugin.h"
+#include "data/text_io.h"
 
 namespace {
 
@@ -45,6 +46,18 @@ void findDatarefs() {
 
 ImgWindow* self(void* refcon) { return static_cast<ImgWindow*>(refcon); }
 
+// ImGui would write "Imgui.ini" in place, over a read-only file and not atomically:
+// the plug-in hands it the text and writes the file itself.
+void saveIniIfWanted() {
+    ImGuiIO& io = ImGui::GetIO();
+    if (!io.WantSaveIniSettings) return;
+    io.WantSaveIniSettings = false;
+    if (iniPath.empty()) return;
+    size_t size = 0;
+    const char* text = ImGui::SaveIniSettingsToMemory(&size);
+    if (text) replaceFileAtomically(iniPath.c_str(), std::string(text, size));
+}
+
 }  // namespace
 
 const std::string& ImgWindow::IniPath() { return iniPath; }
@@ -76,7 +89,10 @@ void ImgWindow::Init() {
     ImGui::SetCurrentContext(context);
     findDatarefs();
     ImGuiIO& io = ImGui::GetIO();
-    io.IniFilename = iniPath.c_str();
+    io.IniFilename = nullptr;
+    std::string iniText;
+    if (!iniPath.empty() && readWholeFile(iniPath.c_str(), iniText, size_t(1) << 20))
+        ImGui::LoadIniSettingsFromMemory(iniText.data(), iniText.size());
 
     // ImGui's keys by the simulator's virtual key codes, in ImGui's key order.
     static const int keys[][2] = {
@@ -99,6 +115,7 @@ ImgWindow::~ImgWindow() {
             const GLuint texture = static_cast<GLuint>(fontTexture);
             glDeleteTextures(1, &texture);
         }
+        saveIniIfWanted();
         ImGui::DestroyContext(context);
     }
     if (windowId) XPLMDestroyWindow(windowId);
@@ -261,6 +278,7 @@ void ImgWindow::DrawCallback(XPLMWindowID, void* refcon) {
     window->BuildFrame();
     ImGui::Render();
     window->RenderFrame();
+    saveIniIfWanted();
     if (window->destroyRequested) delete window;
 }
 
