@@ -228,10 +228,15 @@ void writeRow(std::string& out, const CameraFile& file, const Category& category
     out += '\n';
 }
 
-// Commas would split the token, control characters the line; both become blanks.
+// Commas would split the token, control characters the line; both become blanks. A
+// double quote at the front of a field would make the reader take the row for a
+// spreadsheet's quoted export: it becomes a single quote.
 void cleanText(char* text) {
     for (char* p = text; *p; ++p)
         if (*p == ',' || static_cast<unsigned char>(*p) < 0x20 || *p == 0x7f) *p = ' ';
+    char* first = text;
+    while (*first == ' ' || *first == '\t') ++first;
+    if (*first == '"') *first = '\'';
 }
 
 // A name must survive the reader: at most 30 characters, no comma, not empty (an

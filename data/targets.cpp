@@ -27,9 +27,14 @@ const char kTargetsHeader[] = "Name, Date, Latitude, Longitude, Elevation in Met
 
 // Commas would shift the columns of the line and control characters split it; a name
 // or date holds neither, so whatever is in the grid writes and reads back the same.
+// A double quote at the front of a field would make the reader take the line for a
+// spreadsheet's quoted export: it becomes a single quote.
 void cleanField(char* text) {
     for (char* p = text; *p; ++p)
         if (*p == ',' || static_cast<unsigned char>(*p) < 0x20 || *p == 0x7f) *p = ' ';
+    char* first = text;
+    while (*first == ' ' || *first == '\t') ++first;
+    if (*first == '"') *first = '\'';
 }
 
 void cutTrailingBlanks(char* text) {

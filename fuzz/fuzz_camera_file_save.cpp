@@ -2,6 +2,8 @@
 // file operations on a real folder: the save must write a file that reads back as the
 // set in memory, and no row of the file may vanish unless its original bytes were kept
 // in the backups folder.
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
