@@ -319,6 +319,16 @@ TEST_F(FileSafetyTest, SpreadsheetExportsAreReadWhole) {
     // Written back in the plug-in's own format.
     ASSERT_TRUE(saveCameraFile(false, false));
     EXPECT_NE(readFile(perModelPath()).find("Outside,Chase,0,0.000000,3.000000,25.500000,"), std::string::npos);
+
+    // A quote at the front of a name must not turn the row into a quoted export.
+    copyText(workingSet().categories[1].cameras[0].name, "\"Hero\" shot, low", kNameCopyLimit);
+    ASSERT_TRUE(saveCameraFile(false, false));
+    EXPECT_NE(readFile(perModelPath()).find("\nOutside,'Hero\" shot  low,0,"), std::string::npos);
+    clearWorkingSet();
+    loadCameraFile(nullptr);
+    EXPECT_EQ(loadedCameras(), 2);
+    EXPECT_STREQ(workingSet().categories[1].cameras[0].name, "'Hero\" shot  low");
+    EXPECT_TRUE(backupFiles().empty());
 }
 
 TEST_F(FileSafetyTest, NoCopyNoWrite) {
