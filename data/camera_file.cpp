@@ -40,6 +40,7 @@ CameraFile fallbackHead;
 struct RowContext {
     ReadLosses* losses = nullptr;
     bool decimalComma = false;  // a spreadsheet's export with ';' between values
+    bool linkOnce = false;      // the reader of a whole file links the set at its end
 };
 RowContext rowContext;
 
@@ -62,8 +63,8 @@ const char* numberText(const char* token) {
     return scratch;
 }
 
-void noteNumber(const char* text, bool integer) {
-    if (!blankToken(text) && !isWholeNumber(text, integer)) countLoss(&ReadLosses::badNumbers);
+void noteNumber(NumberField read) {
+    if (read == NumberField::partial || read == NumberField::bad) countLoss(&ReadLosses::badNumbers);
 }
 
 // Blanks around the word are trimmed, so a hand-edited " TRUE" stays true. Anything
@@ -81,21 +82,12 @@ bool isTrue(const char* token) {
     return isTrueWord;
 }
 
-void readFloat(const char* token, float& field) {
-    const char* text = numberText(token);
-    noteNumber(text, false);
-    parseFloat(text, &field);
-}
-void readInt(const char* token, int32_t& field) {
-    const char* text = numberText(token);
-    noteNumber(text, true);
-    parseInt(text, &field);
-}
+void readFloat(const char* token, float& field) { noteNumber(readFloatField(numberText(token), &field)); }
+void readInt(const char* token, int32_t& field) { noteNumber(readIntField(numberText(token), &field)); }
 void readWorld(const char* token, double& field) {
-    const char* text = numberText(token);
-    noteNumber(text, false);
-    double value;
-    if (parseDouble(text, &value) && std::fabs(value) <= kWorldLimit) field = value;
+    double value = field;
+    noteNumber(readDoubleField(numberText(token), &value));
+    if (std::fabs(value) <= kWorldLimit) field = value;
 }
 
 // copyText that counts a text longer than its field.
@@ -478,7 +470,9 @@ bool readCameraRow(char** tokens, int count) {
     }
     refreshHomePose(&c);
     ++category.cameraCount;
-    relinkSet(true);
+    // A whole file links its set once, after its last row: linking after every row
+    // made a full file's reading quadratic.
+    if (!rowContext.linkOnce) relinkSet(true);
     return true;
 }
 
@@ -489,9 +483,11 @@ bool readCameraText(const char* text, size_t size, CameraFile& file, ReadLosses*
     ReadLosses counted;
     rowContext = RowContext();
     rowContext.losses = &counted;
+    rowContext.linkOnce = true;
     static char line[kCameraLineLimit + 1];
     char* tokens[kCameraColumns + 1];
     TextLines lines(text, size);
+    counted.unreadableBytes = countControlBytes(text, size);
     bool ok = true;
     bool first = true;
     char separator = ',';
@@ -505,8 +501,6 @@ bool readCameraText(const char* text, size_t size, CameraFile& file, ReadLosses*
             rowContext.decimalComma = separator == ';';
             first = false;
         }
-        for (const char* p = line; *p; ++p)
-            if (static_cast<unsigned char>(*p) < 0x20 && *p != '\t') ++counted.unreadableBytes;
         int count = splitDelimitedLine(line, tokens, kCameraColumns + 1, separator);
         if (count == 0) continue;
         if (count < kCameraMinColumns) {
@@ -528,6 +522,7 @@ bool readCameraText(const char* text, size_t size, CameraFile& file, ReadLosses*
     }
     counted.unreadableBytes += lines.droppedBytes + lines.cutLines;
     rowContext = RowContext();
+    relinkSet(true);
     if (losses) *losses = counted;
     if (borrowed) setActiveFile(previous);
     return ok;

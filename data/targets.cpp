@@ -140,9 +140,8 @@ void readTargetsText(const char* text, size_t size, ReadLosses* losses) {
     static char line[kLineLimit + 1];
     char* tokens[8];
     TextLines lines(text, size);
+    counted.unreadableBytes = countControlBytes(text, size);
     while (lines.next(line, sizeof line)) {
-        for (const char* p = line; *p; ++p)
-            if (static_cast<unsigned char>(*p) < 0x20 && *p != '\t') ++counted.unreadableBytes;
         int count = splitDelimitedLine(line, tokens, 8, ',');
         if (count == 0) continue;
         if (count < 5) {

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <type_traits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -46,6 +47,34 @@ bool parseInt(const char* text, int32_t* out) {
 }
 
 bool parseFloat(const char* text, float* out) { return parseReal(text, out); }
+
+namespace {
+
+template <typename T>
+NumberField readField(const char* text, T* out) {
+    const char* start = skipToNumber(text);
+    if (!*start) return NumberField::empty;
+    const char* end = start + std::strlen(start);
+    T value{};
+    std::from_chars_result result;
+    if constexpr (std::is_floating_point_v<T>)
+        result = std::from_chars(start, end, value, std::chars_format::general);
+    else
+        result = std::from_chars(start, end, value);
+    if (result.ec != std::errc()) return NumberField::bad;
+    if constexpr (std::is_floating_point_v<T>)
+        if (!std::isfinite(value)) return NumberField::bad;
+    *out = value;
+    const char* rest = result.ptr;
+    while (*rest == ' ' || *rest == '\t' || *rest == '\r' || *rest == '\n') ++rest;
+    return *rest ? NumberField::partial : NumberField::whole;
+}
+
+}  // namespace
+
+NumberField readIntField(const char* text, int32_t* out) { return readField(text, out); }
+NumberField readFloatField(const char* text, float* out) { return readField(text, out); }
+NumberField readDoubleField(const char* text, double* out) { return readField(text, out); }
 bool parseDouble(const char* text, double* out) { return parseReal(text, out); }
 
 int formatFixed(char* buffer, int capacity, double value, int decimals) {
@@ -88,8 +117,7 @@ int splitCommaLine(char* line, char** tokens, int capacity) {
 
 int splitDelimitedLine(char* line, char** tokens, int capacity, char separator) {
     bool quoted = false;
-    for (const char* p = line; *p; ++p) {
-        if (*p != '"') continue;
+    for (const char* p = std::strchr(line, '"'); p; p = std::strchr(p + 1, '"')) {
         const char* before = p;
         while (before > line && (before[-1] == ' ' || before[-1] == '\t')) --before;
         if (before == line || before[-1] == separator) {
@@ -180,6 +208,15 @@ bool isWholeNumber(const char* text, bool integer) {
     return *stop == 0;
 }
 
+int countControlBytes(const char* text, size_t size) {
+    int count = 0;
+    for (size_t i = 0; i < size; ++i) {
+        unsigned char c = static_cast<unsigned char>(text[i]);
+        count += c < 0x20 && c != 0 && c != '\t' && c != '\n' && c != '\r';
+    }
+    return count;
+}
+
 TextLines::TextLines(const char* text, size_t length) : data(text), size(length) {
     if (size >= 3 && static_cast<unsigned char>(data[0]) == 0xEF && static_cast<unsigned char>(data[1]) == 0xBB &&
         static_cast<unsigned char>(data[2]) == 0xBF)
@@ -188,21 +225,36 @@ TextLines::TextLines(const char* text, size_t length) : data(text), size(length)
 
 bool TextLines::next(char* line, int capacity) {
     if (at >= size) return false;
+    // The line runs to the first newline or carriage return; the bulk moves by memchr.
+    const char* start = data + at;
+    size_t left = size - at;
+    const char* newline = static_cast<const char*>(std::memchr(start, '\n', left));
+    size_t span = newline ? size_t(newline - start) : left;
+    const char* carriage = static_cast<const char*>(std::memchr(start, '\r', span));
+    if (carriage) span = size_t(carriage - start);
+    at += span;
+    if (at < size) {
+        if (data[at] == '\r' && at + 1 < size && data[at + 1] == '\n') ++at;
+        ++at;
+    }
     int length = 0;
     bool cut = false;
-    while (at < size) {
-        char c = data[at++];
-        if (c == '\n') break;
-        if (c == '\r') {
-            if (at < size && data[at] == '\n') ++at;
-            break;
+    const char* p = start;
+    const char* end = start + span;
+    while (p < end) {
+        const char* zero = static_cast<const char*>(std::memchr(p, 0, size_t(end - p)));
+        const char* stop = zero ? zero : end;
+        size_t chunk = size_t(stop - p);
+        size_t room = capacity > 0 ? size_t(capacity - 1 - length) : 0;
+        if (chunk > room) {
+            chunk = room;
+            cut = true;
         }
-        if (c == 0) {
-            ++droppedBytes;
-            continue;
-        }
-        if (length < capacity - 1) line[length++] = c;
-        else cut = true;
+        std::memcpy(line + length, p, chunk);
+        length += int(chunk);
+        if (!zero) break;
+        ++droppedBytes;
+        p = zero + 1;
     }
     if (cut) ++cutLines;
     if (capacity > 0) line[length] = 0;

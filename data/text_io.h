@@ -15,6 +15,14 @@ bool parseInt(const char* text, int32_t* out);
 bool parseFloat(const char* text, float* out);
 bool parseDouble(const char* text, double* out);
 
+// The same for a field of a file, telling how much of it was a number: `whole` (nothing
+// but white space around it), `partial` (the front was taken, as "%d" and "%f" take it,
+// and *out set), `bad` (nothing parsed, *out untouched) or `empty`.
+enum class NumberField { empty, whole, partial, bad };
+NumberField readIntField(const char* text, int32_t* out);
+NumberField readFloatField(const char* text, float* out);
+NumberField readDoubleField(const char* text, double* out);
+
 // Fixed notation with `decimals` places, C locale, always terminated; returns the
 // length. A value that is not finite is written as 0.
 int formatFixed(char* buffer, int capacity, double value, int decimals);
@@ -37,6 +45,10 @@ char detectSeparator(const char* firstLine);
 // Whether `text` is one number (an integer when asked) with nothing but white space
 // around it: a field that "%d" or "%f" would read only in part is not.
 bool isWholeNumber(const char* text, bool integer);
+
+// Control bytes other than tab, line ends and NUL (which TextLines counts): bytes no
+// camera or target file holds, and that a write would not give back.
+int countControlBytes(const char* text, size_t size);
 
 // Lines of a text in memory, read as readBoundedLine reads a file, and more: a leading
 // UTF-8 byte order mark is skipped, a lone carriage return ends a line too (old
