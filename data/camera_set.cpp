@@ -331,20 +331,43 @@ void resetCamera(Camera* camera) {
     camera->positionRestored = true;
 }
 
+namespace {
+
+// How many camera slots of a category may hold anything but the reset state: the most
+// cameras any category has had since the set was last cleared (every change of the
+// set's structure ends in relinkSet, which notes it; categories that move keep their
+// slots below that bound). Clearing resets only those, so that clearing a small set
+// doesn't rewrite all 3,000 slots.
+int32_t gSlotsInUse = kMaxCameras;
+
+void noteSlotsInUse() {
+    for (int32_t c = 0; c < gWorking.categoryCount && c < kMaxCategories; ++c) {
+        int32_t count = gWorking.categories[c].cameraCount;
+        if (count > kMaxCameras) count = kMaxCameras;
+        if (count > gSlotsInUse) gSlotsInUse = count;
+    }
+}
+
+}  // namespace
+
 void resetCategory(int32_t index) {
     if (index < 0 || index >= kMaxCategories) return;
     Category& category = gWorking.categories[index];
+    int32_t used = gSlotsInUse;
+    if (category.cameraCount > used) used = category.cameraCount > kMaxCameras ? kMaxCameras : category.cameraCount;
     category.name[0] = '\0';
     category.cameraCount = 0;
     category.currentCamera = 0;
     category.listId = 0;
-    for (int32_t i = 0; i < kMaxCameras; ++i) resetCamera(&category.cameras[i]);
+    for (int32_t i = 0; i < used; ++i) resetCamera(&category.cameras[i]);
 }
 
 void clearWorkingSet() {
+    noteSlotsInUse();
     gWorking.categoryCount = 0;
     gCurrentCategory = 0;
     for (int32_t c = 0; c < kMaxCategories; ++c) resetCategory(c);
+    gSlotsInUse = 0;
     relinkSet(false);
 }
 
@@ -384,6 +407,7 @@ void restoreHomePosition(Camera* camera) {
 }
 
 void relinkSet(bool renumber) {
+    noteSlotsInUse();
     Camera* firstOfSet = nullptr;
     Camera* previousInSet = nullptr;
     for (int32_t c = 0; c < gWorking.categoryCount; ++c) {

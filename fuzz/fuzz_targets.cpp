@@ -12,10 +12,7 @@ namespace {
 
 std::string readAndWrite(const char* data, size_t size) {
     clearTargets();
-    std::FILE* stream = fmemopen(const_cast<char*>(data), size, "rb");
-    if (!stream) return std::string();
-    readTargetsFrom(stream);
-    std::fclose(stream);
+    readTargetsText(data, size);
     // Every target of the grid is written, once.
     std::string text = formatTargets();
     int listed = 0;

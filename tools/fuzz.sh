@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# Fuzzes every file reader (or the ones named) with libFuzzer under AddressSanitizer and
+# UndefinedBehaviorSanitizer, seeded from the corpus kept in fuzz/corpus/<target>/, and
+# prints one line per target: executions, executions a second, result.
+#
+#   bash tools/fuzz.sh [--seconds N | --runs N] [--keep] [TARGET...]
+#
+# --seconds N  run each target for N seconds (default 20)
+# --runs N     run each target for N executions instead
+# --keep       merge what the run found into the kept corpus, minimised
+# TARGET       a name such as camera_file (the program fuzz_camera_file); all by default
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+seconds=20
+runs=""
+keep=0
+targets=()
+while [ $# -gt 0 ]; do
+  case "$1" in
+    --seconds) seconds=$2; shift 2 ;;
+    --runs) runs=$2; shift 2 ;;
+    --keep) keep=1; shift ;;
+    -h|--help) sed -n '2,12p' "$0"; exit 0 ;;
+    *) targets+=("$1"); shift ;;
+  esac
+done
+if [ ${#targets[@]} -eq 0 ]; then
+  for src in "$root"/fuzz/fuzz_*.cpp; do name=$(basename "$src" .cpp); targets+=("${name#fuzz_}"); done
+fi
+
+build="$root/build/fuzz"
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+  -DVISTARIG_FUZZ=ON -DVISTARIG_TESTS=OFF -DVISTARIG_BENCH=OFF >/dev/null
+cmake --build "$build" -j"$(nproc)" >/dev/null
+
+export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
+failed=0
+for name in "${targets[@]}"; do
+  program="$build/fuzz/fuzz_$name"
+  [ -x "$program" ] || { echo "fuzz $name: no such target"; failed=1; continue; }
+  corpus="$root/fuzz/corpus/$name"
+  mkdir -p "$corpus"
+  work=$(mktemp -d)
+  cp -r "$corpus"/. "$work"/
+  limit=(-max_total_time="$seconds")
+  [ -n "$runs" ] && limit=(-runs="$runs")
+  status=0
+  (cd "$work" && "$program" "${limit[@]}" -max_len=8192 -print_final_stats=1 -artifact_prefix="$work/" "$work" \
+    > "$work.log" 2>&1) || status=$?
+  executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work.log" | tail -n 1)
+  rate=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$work.log" | tail -n 1)
+  if [ "$status" -ne 0 ] || grep -q -E "^==[0-9]+==ERROR|runtime error:" "$work.log"; then
+    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s, FAILED"
+    grep -a -E "^==[0-9]+==|SUMMARY|runtime error|^artifact_prefix|Test unit written" "$work.log" | head -n 20
+    ls "$work"/crash-* "$work"/leak-* "$work"/timeout-* 2>/dev/null | head -n 3
+    failed=1
+  else
+    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s, 0 crashes"
+    if [ "$keep" -eq 1 ]; then
+      "$program" -merge=1 "$corpus" "$work" > "$work.merge.log" 2>&1 || true
+      rm -f "$work.merge.log"
+    fi
+    rm -rf "$work" "$work.log"
+  fi
+done
+exit $failed
