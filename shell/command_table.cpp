@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "XPLMPlugin.h"
+#include "airports/airport_files.h"
 #include "data/camera_file.h"
 #include "data/set_editing.h"
 #include "data/settings.h"

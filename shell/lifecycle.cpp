@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "airports/airport_files.h"
 #include "data/aircraft_files.h"
 #include "data/camera_file.h"
 #include "data/settings.h"
@@ -36,6 +37,15 @@ void setIntRef(const char* name, int value) {
     if (ref) XPLMSetDatai(ref, value);
 }
 
+// The airport files' positions come from the navigation data, which the simulator has
+// only once it has loaded an aircraft at an airport: looked up once a run, at the first
+// of the two messages that says so.
+void lookUpAirportPositionsOnce() {
+    if (gState.airportPositionsKnown) return;
+    gState.airportPositionsKnown = true;
+    lookUpAllAirportPositions();
+}
+
 void planeLoaded() {
     if (vrEnabled()) {
         logMessage(
@@ -45,6 +55,7 @@ void planeLoaded() {
     }
     resetCameraMotionAxisAssignment();
     if (gState.cameraEnabled) disableCamera(true);
+    lookUpAirportPositionsOnce();
     // The last aircraft's edits that were never saved are kept before its set goes.
     autosaveUnsavedEdits();
     clearWorkingSet();
@@ -59,7 +70,7 @@ void planeLoaded() {
 
 void airportLoaded() {
     if (gState.cameraEnabled) requestCockpitReturn();
-    if (!gState.airportPositionsKnown) gState.airportPositionsKnown = true;
+    lookUpAirportPositionsOnce();
 }
 
 }  // namespace
@@ -103,6 +114,7 @@ void hostEnable() {
 
     readSettings();
     readTargets();
+    buildCameraFileList();
     logMessage("Initialization complete for version %s", versionText());
     if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
     createInputWindow();
@@ -123,6 +135,7 @@ void hostDisable() {
 
 void pluginStop() {
     if (gState.cameraEnabled) disableCamera(false);
+    freeCameraFileList();
     unpublishIntegrationDatarefs();
     if (gCommunityScanThread) {
         gCommunityScanThread->join();

@@ -22,9 +22,6 @@ void SettingsPanelAction(bool) { notYet("The Settings panel"); }
 void openSaveTargetPanel() { notYet("Saving a target"); }
 void toggleTrafficDisplay() { notYet("The Traffic Display"); }
 
-void toggleAirportCameras() { notYet("Airport cameras"); }
-void selectNearestAirportCamera() { notYet("The nearest airport camera"); }
-
 bool& showTargetInformation() { return targetInformation; }
 void selectNearestTarget() { notYet("Target selection"); }
 void selectNextTarget() { notYet("Target selection"); }

@@ -13,10 +13,6 @@ void SettingsPanelAction(bool toggle);
 void openSaveTargetPanel();
 void toggleTrafficDisplay();
 
-// Airport camera sets.
-void toggleAirportCameras();
-void selectNearestAirportCamera();
-
 // Targets. `showTargetInformation` is the run-time switch of the target overlay.
 bool& showTargetInformation();
 void selectNearestTarget();
