@@ -206,12 +206,17 @@ const std::vector<NearbyAirport>& nearbyAirports(bool force) {
         NearbyAirport airport{};
         XPLMNavType type = xplm_Nav_Unknown;
         XPLMGetNavAidInfo(ref, &type, &airport.latitude, &airport.longitude, &airport.height, nullptr, nullptr,
-                          airport.id, airport.name, nullptr);
+                          nullptr, nullptr, nullptr);
         if (type != xplm_Nav_Airport) continue;
-        airport.id[sizeof airport.id - 1] = 0;
-        airport.name[sizeof airport.name - 1] = 0;
+        // Ten nautical miles are a sixth of a degree of latitude: most of the world's
+        // airports are passed over before any trigonometry or text.
+        if (std::fabs(airport.latitude - latitude) > 0.2) continue;
         airport.distance = float(greatCircle(latitude, longitude, airport.latitude, airport.longitude, 'N'));
         if (!(airport.distance < 10.0f)) continue;
+        XPLMGetNavAidInfo(ref, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, airport.id, airport.name,
+                          nullptr);
+        airport.id[sizeof airport.id - 1] = 0;
+        airport.name[sizeof airport.name - 1] = 0;
         airport.hasFile = findAirportFile(airport.id) != nullptr;
         nearbyList.push_back(airport);
     }
