@@ -104,6 +104,28 @@ bool writeDefaultTree(const std::string& root, std::string& error) {
             return false;
         }
     }
+    // Scenery with real airports (their licences beside them): a custom pack for KSYR
+    // above the global airports, and the default apt data last, in X-Plane's layout.
+    const std::string data = std::string(VISTARIG_SOURCE_DIR) + "/tests/data/";
+    const struct {
+        const char* from;
+        const char* to;
+    } scenery[] = {
+        {"apt/KSYR/apt.dat", "Custom Scenery/KSYR Syracuse/Earth nav data/apt.dat"},
+        {"apt/KSYR/README.txt", "Custom Scenery/KSYR Syracuse/README.txt"},
+        {"apt/gateway-sample/apt.dat", "Global Scenery/Global Airports/Earth nav data/apt.dat"},
+        {"apt/gateway-sample/LICENSE", "Global Scenery/Global Airports/LICENSE"},
+        {"apt/GMMT/apt.dat", "Resources/default scenery/default apt dat/Earth nav data/apt.dat"},
+        {"apt/GMMT/LICENSE.txt", "Resources/default scenery/default apt dat/LICENSE.txt"},
+    };
+    for (const auto& file : scenery) {
+        std::string to = root + file.to;
+        if (makeFolders(to)) copyFile(data + file.from, to);
+    }
+    {
+        std::ofstream packs(root + "Custom Scenery/scenery_packs.ini", std::ios::binary | std::ios::trunc);
+        packs << "I\n1000 Version\nSCENERY\n\nSCENERY_PACK Custom Scenery/KSYR Syracuse/\nSCENERY_PACK *GLOBAL_AIRPORTS*\n";
+    }
     // The panels' font, as X-Plane ships it.
     const char* font = "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf";
     struct stat st;
