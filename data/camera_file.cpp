@@ -6,6 +6,7 @@
 
 #include "data/aircraft_files.h"
 #include "data/kept_copies.h"
+#include "data/quick_look.h"
 #include "data/text_io.h"
 #include "motion/camera_pose.h"
 #include "motion/frame_driver.h"
@@ -315,12 +316,20 @@ const char kNoQuickLookText[] =
     "Community Files button to load\ncamera definitions for a similar aircraft or create your own custom "
     "cameras.\n\nUse the Save All button in the control panel to save your camera definitions for this plane.";
 
+const char kQuickLookText[] =
+    "Vistarig created a new camera file for this plane!\n\nVistarig also found some X-Plane Quick Look Views which "
+    "can be imported\nPress OK to import the Quick Look Views.\n\nYou can also open the Vistarig Control Panel and "
+    "use the Browse Community Files button to load\ncamera definitions for a similar aircraft or create your own "
+    "custom cameras.\n\nUse the Save All button in the control panel to save your camera definitions for this "
+    "plane.";
+
 void buildNewFile(CameraFile& file) {
     if (file.kind == 1) {
         buildNewAirportCamera();
     } else {
         buildNewAircraftCamera();
-        showMessageBox("INFO", kNoQuickLookText);
+        if (countQuickLookViews() > 0) showMessageBoxWithCallback("INFO", kQuickLookText, importQuickLookViews);
+        else showMessageBox("INFO", kNoQuickLookText);
     }
     file.author[0] = 0;
     copyText(file.fileVersion, localTimeText().c_str());
