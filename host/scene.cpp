@@ -72,6 +72,8 @@ constexpr Colour horizonSky{0.76f, 0.84f, 0.92f};
 constexpr Colour distantGround{0.50f, 0.58f, 0.50f};
 constexpr Colour lightField{0.46f, 0.63f, 0.33f};
 constexpr Colour darkField{0.30f, 0.45f, 0.23f};
+constexpr Colour lightWater{0.22f, 0.38f, 0.58f};
+constexpr Colour darkWater{0.18f, 0.33f, 0.52f};
 constexpr Colour paint{aircraftPaint[0], aircraftPaint[1], aircraftPaint[2]};
 constexpr Colour instrumentPanel{0.16f, 0.16f, 0.18f};
 constexpr Colour hull{0.52f, 0.54f, 0.58f};
@@ -163,13 +165,9 @@ void drawAircraft(const Pass& pass) {
 
 // Long boxes with their superstructure on the starboard side.
 void drawBoats(const Pass& pass) {
-    struct Shape {
-        double length, beam, freeboard, islandLength, islandWidth, islandHeight, islandOffset;
-    };
-    static const Shape shapes[2] = {{330, 60, 18, 30, 10, 22, 20}, {130, 16, 7, 40, 11, 9, 0}};
     for (int i = 0; i < 2; ++i) {
         const Boat b = boat(i);
-        const Shape& s = shapes[i];
+        const BoatShape& s = boatShape(i);
         const Rotation turn = attitude(b.heading, 0, 0);
         const Vec at{b.x, b.y, b.z};
         const Section body[] = {{-s.length / 2, s.beam / 2, -4, s.freeboard}, {s.length / 2, s.beam / 2, -4, s.freeboard}};
@@ -222,7 +220,9 @@ void drawTerrain(const Pass& pass) {
             const Vec a = point(i, j), b = point(i, j + 1), c = point(i + 1, j + 1), d = point(i + 1, j);
             const double light = std::max(0.0, dot(normalized(cross(b - a, c - a)), pass.sun));
             const bool odd = ((firstI + i + firstJ + j) & 1) != 0;
-            const Colour colour = scaled(odd ? lightField : darkField, static_cast<float>(0.6 + 0.5 * light));
+            const bool wet = isWater((a.x + c.x) / 2, (a.z + c.z) / 2);
+            const Colour base = wet ? (odd ? lightWater : darkWater) : (odd ? lightField : darkField);
+            const Colour colour = scaled(base, static_cast<float>(0.6 + 0.5 * light));
             put(a, colour);
             put(b, colour);
             put(c, colour);
