@@ -216,6 +216,10 @@ void drawTerrain(const Pass& pass) {
         for (int i = 0; i + 1 < side; ++i) {
             const size_t k = static_cast<size_t>(j) * side + static_cast<size_t>(i);
             if (!found[k] || !found[k + 1] || !found[k + side] || !found[k + side + 1]) continue;
+            // A round patch: a square's corners would bend its far edge up at the sides.
+            const double cx = (static_cast<double>(firstI + i) + 0.5) * cell - pass.eye.x;
+            const double cz = (static_cast<double>(firstJ + j) + 0.5) * cell - pass.eye.z;
+            if (cx * cx + cz * cz > extent * extent) continue;
             // Counter-clockwise seen from above: x east, z south.
             const Vec a = point(i, j), b = point(i, j + 1), c = point(i + 1, j + 1), d = point(i + 1, j);
             const double light = std::max(0.0, dot(normalized(cross(b - a, c - a)), pass.sun));
@@ -233,8 +237,11 @@ void drawTerrain(const Pass& pass) {
 
 // Sky and ground at infinity, drawn with the camera's rotation only and no depth: a
 // band from the pale horizon up into the zenith's blue (the clear colour above it),
-// then a level plane far below whose edge makes the horizon.
-void drawBackdrop() {
+// then the distant ground, whose edge dips below level by the earth's curve as seen
+// from this height.
+void drawBackdrop(double heightAboveSea) {
+    constexpr double earthRadius = 6371000.0;
+    const double dip = std::acos(earthRadius / (earthRadius + std::max(1.0, heightAboveSea)));
     constexpr int segments = 36;
     constexpr double radius = 100, bandTop = 25 * degToRad, bandBottom = -1 * degToRad;
     glBegin(GL_QUADS);
@@ -252,7 +259,8 @@ void drawBackdrop() {
         put(a1, bandTop, zenithSky);
         put(a0, bandTop, zenithSky);
     }
-    constexpr float reach = 1000, depth = 1;
+    constexpr float reach = 1000;
+    const float depth = static_cast<float>(reach * std::tan(dip));
     glColor3f(distantGround.r, distantGround.g, distantGround.b);
     glVertex3f(-reach, -depth, -reach);
     glVertex3f(-reach, -depth, reach);
@@ -305,7 +313,9 @@ void drawScene(int width, int height) {
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
     glDepthMask(GL_FALSE);
-    drawBackdrop();
+    double latitude, longitude, elevation;
+    localToWorld(camera.x, camera.y, camera.z, latitude, longitude, elevation);
+    drawBackdrop(elevation);
 
     Pass pass;
     pass.eye = Vec{camera.x, camera.y, camera.z};

@@ -61,14 +61,14 @@ std::string soakVerb(ScenarioLine& line) {
     const int framesPerCycle = static_cast<int>(2.0 / xphost::frameStep() + 0.5);
     // A million rows would be the leak: the soak keeps no per-frame record.
     xphost::setFrameRecording(false);
-    xphost::runCommand("KVT/Vistarig/Toggle_Mini_Control_Panel", xphost::Phase::Once);
+    xphost::runCommand("KVT/Vistarig/Toggle_Control_Panel_on_or_off", xphost::Phase::Once);
     long halfway = 0;
     for (int f = 0; f < total; ++f) {
         soakFrame(f, framesPerCycle > 0 ? framesPerCycle : 60);
         xphost::runFrames(1);
         if (f + 1 == total / 2) halfway = residentKilobytes();
     }
-    xphost::runCommand("KVT/Vistarig/Toggle_Mini_Control_Panel", xphost::Phase::Once);
+    xphost::runCommand("KVT/Vistarig/Toggle_Control_Panel_on_or_off", xphost::Phase::Once);
     xphost::setFrameRecording(true);
     const long end = residentKilobytes(), growth = end - halfway;
     *line.out << "soak: " << total << " frames, peak resident " << peakKilobytes() << " KB, resident at half "
@@ -85,7 +85,7 @@ std::string pictureVerb(ScenarioLine& line) {
     return "";
 }
 
-xphost::ScenarioVerbRegistration soak("soak", "soak FRAMES [MAX_GROWTH_KB]   (camera changes, mouse look, a panel; memory)",
+xphost::ScenarioVerbRegistration soak("soak", "soak FRAMES [MAX_GROWTH_KB]   (camera changes, mouse look, the Control Panel; memory)",
                                       soakVerb);
 xphost::ScenarioVerbRegistration picture("picture", "picture [TEXT]   (the screen onto the contact sheet, captioned TEXT)",
                                          pictureVerb);
