@@ -19,6 +19,8 @@ struct AircraftTable {
     double pathStart = 0;  // simulated time at which the path began
     std::function<AircraftState(double)> mover;
     bool frozen = false;
+    bool attitudeHeld = false;  // a scenario's pitch and roll replace the path's
+    float heldPitch = 0, heldRoll = 0;
     AircraftState state;
     SimDataRef* localX = nullptr;
     SimDataRef* localY = nullptr;
@@ -37,6 +39,12 @@ AircraftTable& planes() {
 constexpr double degToRad = 3.14159265358979323846 / 180.0;
 
 // The default path in closed form, so any frame can be computed without history.
+void holdAttitude(AircraftState& s) {
+    if (!planes().attitudeHeld) return;
+    s.theta = planes().heldPitch;
+    s.phi = planes().heldRoll;
+}
+
 AircraftState scripted(const FlightPath& p, double t) {
     AircraftState s;
     double h0 = p.headingDeg * degToRad;
@@ -104,6 +112,7 @@ void moveAircraft(double time, double step) {
     AircraftTable& t = planes();
     if (t.frozen) return;
     t.state = t.mover ? t.mover(time) : scripted(t.path, time - t.pathStart);
+    holdAttitude(t.state);
     publish(t.state);
 }
 
@@ -132,6 +141,16 @@ void setAircraftMover(std::function<AircraftState(double)> mover) {
         planes().state = planes().mover(simTime());
         publish(planes().state);
     }
+}
+
+void setAircraftAttitude(float pitchDeg, float rollDeg) {
+    ensureInitialized();
+    AircraftTable& t = planes();
+    t.attitudeHeld = true;
+    t.heldPitch = pitchDeg;
+    t.heldRoll = rollDeg;
+    holdAttitude(t.state);
+    publish(t.state);
 }
 
 void freezeAircraft(bool frozen) {

@@ -59,7 +59,9 @@ struct CoreState {
     int callingPlugin = 0;
     std::string root;
     int xplaneVersion = 12100;
-    double time = 0;
+    double time = 0;     // simulated: stands still while paused
+    double elapsed = 0;  // wall time of the frames: counts on while paused
+    double simStep = 0;  // simulated seconds of the frame being run
     int frame = 0;
     double step = 1.0 / 30.0;
     std::string log;
@@ -69,6 +71,10 @@ struct CoreState {
     std::vector<FrameRecord> frames;
     bool debug = false;
     bool recording = true;
+    // The frame's own datarefs, looked up once a reset (the table is rebuilt then).
+    SimDataRef* paused = nullptr;
+    SimDataRef* framePeriod = nullptr;
+    SimDataRef* runningTime = nullptr;
 };
 
 CoreState& core() {
@@ -131,6 +137,8 @@ void reset() {
     if (c.root.empty()) c.root = defaultRoot();
     c.xplaneVersion = 12100;
     c.time = 0;
+    c.elapsed = 0;
+    c.simStep = 0;
     c.frame = 0;
     c.step = 1.0 / 30.0;
     c.log.clear();
@@ -157,6 +165,9 @@ void reset() {
         auto fn = modules()[i].reset;
         if (fn) fn();
     }
+    c.paused = simDataRef("sim/time/paused");
+    c.framePeriod = simDataRef("sim/operation/misc/frame_rate_period");
+    c.runningTime = simDataRef("sim/time/total_running_time_sec");
     c.initialized = true;
     c.inReset = false;
 }
@@ -307,11 +318,20 @@ double frameStep() {
 double simTime() {
     return core().time;
 }
+double elapsedTime() {
+    return core().elapsed;
+}
+double simulatedStep() {
+    return core().simStep;
+}
+bool simulatorPaused() {
+    return core().paused && core().paused->i != 0;
+}
 int frameNumber() {
     return core().frame;
 }
 double currentTime() {
-    return core().time;
+    return core().elapsed;
 }
 int currentFrame() {
     return core().frame;
@@ -327,15 +347,20 @@ void runFrames(int n, double step) {
     CoreState& c = core();
     for (int k = 0; k < n; ++k) {
         double dt = step > 0 ? step : c.step;
-        c.time += dt;
+        // Paused, the flight model and simulated time stand still; frames, flight
+        // loops, elapsed time and drawing go on, as in X-Plane.
+        const bool paused = simulatorPaused();
+        c.simStep = paused ? 0.0 : dt;
+        c.elapsed += dt;
+        c.time += c.simStep;
         c.frame += 1;
-        if (SimDataRef* period = simDataRef("sim/operation/misc/frame_rate_period")) period->set(dt);
-        if (SimDataRef* total = simDataRef("sim/time/total_running_time_sec")) total->set(c.time);
+        if (c.framePeriod) c.framePeriod->set(dt);
+        if (c.runningTime) c.runningTime->set(c.time);
         runHooks(FramePoint::Input);
         runHeldCommands();
         runHooks(FramePoint::BeforeFlightLoops);
         runFlightLoops(0);
-        moveAircraft(c.time, dt);
+        if (!paused) moveAircraft(c.time, dt);
         runHooks(FramePoint::AfterFlightModel);
         runFlightLoops(1);
         runHooks(FramePoint::AfterFlightLoops);

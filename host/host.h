@@ -73,7 +73,9 @@ void setFrameStep(double seconds);  // default 1/30 s
 double frameStep();
 // Runs n frames; a step above 0 replaces the frame step for these frames.
 void runFrames(int n, double step = 0);
-double simTime();     // seconds since reset
+double simTime();     // simulated seconds since reset: stands still while paused
+// XPLMGetElapsedTime: seconds of frames since reset, counting on while paused.
+double elapsedTime();
 int frameNumber();    // frames run since reset
 
 // ---------------------------------------------------------------- datarefs
@@ -140,6 +142,9 @@ void setFlightPath(const FlightPath& path);
 // Replaces the scripted path: called every frame with the time since reset.
 void setAircraftMover(std::function<AircraftState(double time)> mover);
 void freezeAircraft(bool frozen);
+// Pitch (nose up) and roll (right wing down) in degrees that replace the path's from
+// now until the next reset; the heading still follows the path.
+void setAircraftAttitude(float pitchDeg, float rollDeg);
 AircraftState aircraft();
 
 // The user's aircraft: a path relative to the root or absolute. Doesn't send a message.
@@ -213,6 +218,10 @@ struct ScenarioVerbRegistration {
 bool runScenario(const std::string& path, std::ostream& out, std::string& error);
 bool runScenarioText(const std::string& text, const std::string& name, std::ostream& out,
                      std::string& error);
+// Takes the lines between `before_load` and `end` out of a script: beforeLoad gets
+// them, rest the others; both keep the script's line numbers (the other part's lines
+// become blank). False with "LINE: message" for an unclosed or nested section.
+bool splitBeforeLoad(const std::string& text, std::string& beforeLoad, std::string& rest, std::string& error);
 // The verbs with their usage, for --help.
 std::string scenarioHelp();
 // The id of the plug-in that enable/disable verbs act on.

@@ -100,6 +100,11 @@ enum class FramePoint {
     AfterFrame,        // after the frame's record was taken
 };
 
+// ---------------------------------------------------------------- time
+// Simulated seconds of the frame being run: 0 while the simulator is paused.
+double simulatedStep();
+bool simulatorPaused();
+
 // ---------------------------------------------------------------- modules
 // A module of the host: give one static instance of this in the module's file.
 // reset: rebuild the module's state and define its datarefs and commands (also

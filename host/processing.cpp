@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <string>
 
 #include "XPLMProcessing.h"
 #include "host/core_parts.h"
@@ -25,10 +26,18 @@ struct FlightLoop {
     double lastCallTime = 0;
 };
 
+struct Misuse {
+    int plugin;
+    std::string text;
+};
+
 struct LoopTable {
     std::vector<std::unique_ptr<FlightLoop>> loops;
     double lastDispatchTime = 0;
     int depth = 0;  // >0 while callbacks run: dead loops are only erased outside
+    FlightLoop* running = nullptr;  // the loop whose callback runs now
+    // What X-Plane warns against, named in the leftover report at XPluginStop.
+    std::vector<Misuse> misuse;
 };
 
 LoopTable& loops() {
@@ -84,7 +93,15 @@ std::string describe(const FlightLoop& l) {
 
 }  // namespace
 
+void noteMisuse(int plugin, const std::string& text) {
+    for (const Misuse& m : loops().misuse)
+        if (m.plugin == plugin && m.text == text) return;
+    loops().misuse.push_back({plugin, text});
+}
+
 void resetProcessing() {
+    loops().misuse.clear();
+    loops().running = nullptr;
     loops().loops.clear();
     loops().lastDispatchTime = 0;
     loops().depth = 0;
@@ -108,7 +125,10 @@ void runFlightLoops(int phase) {
         float next;
         {
             PluginScope scope(l->plugin);
+            FlightLoop* outer = t.running;
+            t.running = l;
             next = l->fn(sinceLastCall, sinceLastLoop, frame, l->refcon);
+            t.running = outer;
         }
         if (l->dead) continue;
         l->lastCallTime = now;
@@ -122,6 +142,8 @@ void runFlightLoops(int phase) {
 void listFlightLoopLeaks(int plugin, std::vector<std::string>& out) {
     for (auto& l : loops().loops)
         if (!l->dead && l->plugin == plugin) out.push_back(describe(*l));
+    for (const Misuse& m : loops().misuse)
+        if (m.plugin == plugin) out.push_back(m.text);
 }
 
 void dropFlightLoopsOf(int plugin) {
@@ -146,6 +168,9 @@ int XPLMGetCycleNumber(void) {
 
 void XPLMRegisterFlightLoopCallback(XPLMFlightLoop_f inFlightLoop, float inInterval, void* inRefcon) {
     if (!checkThread("XPLMRegisterFlightLoopCallback") || !inFlightLoop) return;
+    // X-Plane keeps both registrations and calls the function twice a loop.
+    if (findLegacy(inFlightLoop, inRefcon))
+        noteMisuse(callingPlugin(), "flight loop callback registered twice with the same refcon (called twice a loop)");
     auto loop = std::make_unique<FlightLoop>();
     loop->fn = inFlightLoop;
     loop->refcon = inRefcon;
@@ -158,7 +183,12 @@ void XPLMRegisterFlightLoopCallback(XPLMFlightLoop_f inFlightLoop, float inInter
 
 void XPLMUnregisterFlightLoopCallback(XPLMFlightLoop_f inFlightLoop, void* inRefcon) {
     if (!checkThread("XPLMUnregisterFlightLoopCallback")) return;
-    if (FlightLoop* l = findLegacy(inFlightLoop, inRefcon)) kill(l);
+    FlightLoop* l = findLegacy(inFlightLoop, inRefcon);
+    if (!l) return;
+    // X-Plane's documentation forbids this; it is honoured and reported.
+    if (loops().running && loops().running->fn == inFlightLoop && loops().running->refcon == inRefcon)
+        noteMisuse(callingPlugin(), "flight loop callback unregistered from inside itself");
+    kill(l);
 }
 
 void XPLMSetFlightLoopCallbackInterval(XPLMFlightLoop_f inFlightLoop, float inInterval, int inRelativeToNow,

@@ -254,7 +254,62 @@ ScenarioVerbRegistration expectControlled("expect_controlled", "expect_controlle
     return std::string();
 });
 
+ScenarioVerbRegistration attitude("aircraft_attitude", "aircraft_attitude PITCH ROLL   (degrees; holds the user's aircraft's attitude)",
+                                  [](ScenarioLine& line) {
+                                      if (auto e = needArgs(line, 2, 2); !e.empty()) return e;
+                                      double pitch, roll;
+                                      if (auto e = number(line.args[1], pitch, "pitch"); !e.empty()) return e;
+                                      if (auto e = number(line.args[2], roll, "roll"); !e.empty()) return e;
+                                      setAircraftAttitude(static_cast<float>(pitch), static_cast<float>(roll));
+                                      return std::string();
+                                  });
+
+// The runner takes the section out and runs it before the aircraft loads; a script
+// run whole passes over the markers.
+ScenarioVerbRegistration beforeLoad("before_load", "before_load ... end   (lines run before the plug-in and the aircraft load)",
+                                    [](ScenarioLine&) { return std::string(); });
+ScenarioVerbRegistration sectionEnd("end", "end   (closes a before_load section)", [](ScenarioLine&) { return std::string(); });
+
+bool isMarker(const std::string& raw, const char* word) {
+    std::vector<std::string> words;
+    std::string error;
+    return tokenize(raw, words, error) && words.size() == 1 && words[0] == word;
+}
+
 }  // namespace
+
+bool splitBeforeLoad(const std::string& text, std::string& beforeLoad, std::string& rest, std::string& error) {
+    beforeLoad.clear();
+    rest.clear();
+    std::istringstream in(text);
+    std::string raw;
+    bool inside = false;
+    int number = 0, opened = 0;
+    while (std::getline(in, raw)) {
+        ++number;
+        const bool open = isMarker(raw, "before_load"), close = isMarker(raw, "end");
+        if (open && inside) {
+            error = std::to_string(number) + ": before_load inside a before_load section";
+            return false;
+        }
+        if (close && !inside) {
+            error = std::to_string(number) + ": end without before_load";
+            return false;
+        }
+        if (open) opened = number;
+        // Marker lines and the other part's lines stay as blanks, so line numbers hold.
+        if (!open && !close) (inside ? beforeLoad : rest) += raw;
+        beforeLoad += '\n';
+        rest += '\n';
+        if (open) inside = true;
+        if (close) inside = false;
+    }
+    if (inside) {
+        error = std::to_string(opened) + ": before_load without end";
+        return false;
+    }
+    return true;
+}
 
 void registerScenarioVerb(const char* verb, const char* usage, ScenarioVerb action) {
     verbs()[verb] = VerbEntry{usage, std::move(action)};

@@ -72,6 +72,8 @@ constexpr Colour horizonSky{0.76f, 0.84f, 0.92f};
 constexpr Colour distantGround{0.50f, 0.58f, 0.50f};
 constexpr Colour lightField{0.46f, 0.63f, 0.33f};
 constexpr Colour darkField{0.30f, 0.45f, 0.23f};
+constexpr Colour lightWater{0.22f, 0.38f, 0.58f};
+constexpr Colour darkWater{0.18f, 0.33f, 0.52f};
 constexpr Colour paint{aircraftPaint[0], aircraftPaint[1], aircraftPaint[2]};
 constexpr Colour instrumentPanel{0.16f, 0.16f, 0.18f};
 constexpr Colour hull{0.52f, 0.54f, 0.58f};
@@ -163,13 +165,9 @@ void drawAircraft(const Pass& pass) {
 
 // Long boxes with their superstructure on the starboard side.
 void drawBoats(const Pass& pass) {
-    struct Shape {
-        double length, beam, freeboard, islandLength, islandWidth, islandHeight, islandOffset;
-    };
-    static const Shape shapes[2] = {{330, 60, 18, 30, 10, 22, 20}, {130, 16, 7, 40, 11, 9, 0}};
     for (int i = 0; i < 2; ++i) {
         const Boat b = boat(i);
-        const Shape& s = shapes[i];
+        const BoatShape& s = boatShape(i);
         const Rotation turn = attitude(b.heading, 0, 0);
         const Vec at{b.x, b.y, b.z};
         const Section body[] = {{-s.length / 2, s.beam / 2, -4, s.freeboard}, {s.length / 2, s.beam / 2, -4, s.freeboard}};
@@ -218,11 +216,17 @@ void drawTerrain(const Pass& pass) {
         for (int i = 0; i + 1 < side; ++i) {
             const size_t k = static_cast<size_t>(j) * side + static_cast<size_t>(i);
             if (!found[k] || !found[k + 1] || !found[k + side] || !found[k + side + 1]) continue;
+            // A round patch: a square's corners would bend its far edge up at the sides.
+            const double cx = (static_cast<double>(firstI + i) + 0.5) * cell - pass.eye.x;
+            const double cz = (static_cast<double>(firstJ + j) + 0.5) * cell - pass.eye.z;
+            if (cx * cx + cz * cz > extent * extent) continue;
             // Counter-clockwise seen from above: x east, z south.
             const Vec a = point(i, j), b = point(i, j + 1), c = point(i + 1, j + 1), d = point(i + 1, j);
             const double light = std::max(0.0, dot(normalized(cross(b - a, c - a)), pass.sun));
             const bool odd = ((firstI + i + firstJ + j) & 1) != 0;
-            const Colour colour = scaled(odd ? lightField : darkField, static_cast<float>(0.6 + 0.5 * light));
+            const bool wet = isWater((a.x + c.x) / 2, (a.z + c.z) / 2);
+            const Colour base = wet ? (odd ? lightWater : darkWater) : (odd ? lightField : darkField);
+            const Colour colour = scaled(base, static_cast<float>(0.6 + 0.5 * light));
             put(a, colour);
             put(b, colour);
             put(c, colour);
@@ -233,8 +237,11 @@ void drawTerrain(const Pass& pass) {
 
 // Sky and ground at infinity, drawn with the camera's rotation only and no depth: a
 // band from the pale horizon up into the zenith's blue (the clear colour above it),
-// then a level plane far below whose edge makes the horizon.
-void drawBackdrop() {
+// then the distant ground, whose edge dips below level by the earth's curve as seen
+// from this height.
+void drawBackdrop(double heightAboveSea) {
+    constexpr double earthRadius = 6371000.0;
+    const double dip = std::acos(earthRadius / (earthRadius + std::max(1.0, heightAboveSea)));
     constexpr int segments = 36;
     constexpr double radius = 100, bandTop = 25 * degToRad, bandBottom = -1 * degToRad;
     glBegin(GL_QUADS);
@@ -252,7 +259,8 @@ void drawBackdrop() {
         put(a1, bandTop, zenithSky);
         put(a0, bandTop, zenithSky);
     }
-    constexpr float reach = 1000, depth = 1;
+    constexpr float reach = 1000;
+    const float depth = static_cast<float>(reach * std::tan(dip));
     glColor3f(distantGround.r, distantGround.g, distantGround.b);
     glVertex3f(-reach, -depth, -reach);
     glVertex3f(-reach, -depth, reach);
@@ -305,7 +313,9 @@ void drawScene(int width, int height) {
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
     glDepthMask(GL_FALSE);
-    drawBackdrop();
+    double latitude, longitude, elevation;
+    localToWorld(camera.x, camera.y, camera.z, latitude, longitude, elevation);
+    drawBackdrop(elevation);
 
     Pass pass;
     pass.eye = Vec{camera.x, camera.y, camera.z};

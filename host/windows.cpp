@@ -43,6 +43,7 @@ struct Window {
     uint64_t order = 0;
     int drawCount = 0;
     std::vector<uint8_t> popBuffer;
+    std::vector<uint8_t> vrBuffer;  // the panel a VR window shows in the headset
 };
 
 struct DrawCallback {
@@ -66,6 +67,8 @@ struct WindowState {
     Capture capture = Capture::none;
     int captureButton = 0;
     bool screenStale = true;  // frames were skipped since the last real draw
+    bool drawing = true;      // off: callbacks run, nothing is drawn
+    std::vector<uint8_t> blindPixel;
     int lastDragX = 0, lastDragY = 0;  // title bar drags move by the pointer's steps
     std::vector<MonitorBounds> monitors{MonitorBounds{0, 1080, 1920, 0}};
     bool fullScreen = true;
@@ -266,6 +269,24 @@ void drawPoppedOut(uintptr_t id) {
     glFinish();
 }
 
+// A window in VR is drawn onto a panel of its own, its VR size in boxels, with the
+// window's origin at the panel's lower left.
+void drawInVr(uintptr_t id) {
+    Window* w = lookup(toId(id));
+    if (!w || w->vrWidth <= 0 || w->vrHeight <= 0) return;
+    const int width = toPixels(w->vrWidth), height = toPixels(w->vrHeight);
+    if (!makeBufferCurrent(w->vrBuffer, width, height)) return;
+    PassMatrices m;
+    screenMatrices(m.modelView, m.projection, m.viewport,
+                   MonitorBounds{w->left, w->bottom + w->vrHeight, w->left + w->vrWidth, w->bottom}, width, height);
+    publishMatrices(m.modelView, m.projection, m.viewport);
+    restoreState(m);
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    callWindowDraw(id, m);
+    glFinish();
+}
+
 void runDrawCallbacks(int phase, int before, const PassMatrices& m) {
     std::vector<DrawCallback> list = state().drawCallbacks;
     for (const DrawCallback& cb : list) {
@@ -294,6 +315,7 @@ void resetWindows() {
     s.scale = 1.0f;
     s.drawCallbacks.clear();
     s.screenStale = true;
+    s.drawing = true;
     s.modelView = defineFloatArray("sim/graphics/view/modelview_matrix", 16, false);
     s.projection = defineFloatArray("sim/graphics/view/projection_matrix", 16, false);
     s.viewport = defineIntArray("sim/graphics/view/viewport", 4, false);
@@ -331,7 +353,7 @@ void drawFrameIfNeeded() {
 }
 
 void drawIfStale() {
-    if (state().screenStale) drawScreen();
+    if (state().screenStale && state().drawing) drawScreen();
 }
 
 struct DrawHook {
@@ -441,22 +463,39 @@ void closeWindow(void* id) {
     if (Window* w = lookup(id)) w->visible = false;
 }
 
+void setDrawing(bool on) {
+    state().drawing = on;
+    state().screenStale = true;
+}
+bool drawing() { return state().drawing; }
+
 int drawCallbackCount() { return static_cast<int>(state().drawCallbacks.size()); }
 
 void drawScreen() {
     if (!checkThread("draw pass")) return;
     WindowState& s = state();
-    if (!makeScreenCurrent()) return;
-    s.screenStale = false;
     int width = 0, height = 0;
-    screenBuffer(width, height);
+    if (s.drawing) {
+        if (!makeScreenCurrent()) return;
+        s.screenStale = false;
+        screenBuffer(width, height);
+    } else {
+        // Without drawing the callbacks run as ever, with the screen's matrices, into
+        // a single pixel: no world and no panel pixels are made.
+        if (!makeBufferCurrent(s.blindPixel, 1, 1)) return;
+        const MonitorBounds all = screenBounds();
+        width = toPixels(all.right - all.left);
+        height = toPixels(all.top - all.bottom);
+    }
     PassMatrices m;
     screenMatrices(m.modelView, m.projection, m.viewport, screenBounds(), width, height);
     publishMatrices(m.modelView, m.projection, m.viewport);
     restoreState(m);
-    glClearColor(0.32f, 0.46f, 0.62f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    drawScene(width, height);
+    if (s.drawing) {
+        glClearColor(0.32f, 0.46f, 0.62f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        drawScene(width, height);
+    }
 
     for (auto& [id, w] : s.windows) applyMode(w);
     static const int phases[] = {xplm_Phase_Modern3D, xplm_Phase_FirstCockpit, xplm_Phase_Panel, xplm_Phase_Gauges,
@@ -477,11 +516,14 @@ void drawScreen() {
     restoreState(m);
     glFinish();
 
-    std::vector<uintptr_t> popped;
-    for (auto& [id, w] : s.windows)
+    std::vector<uintptr_t> popped, vr;
+    for (auto& [id, w] : s.windows) {
         if (w.visible && w.poppedOut && pluginActive(w.plugin)) popped.push_back(id);
-    if (popped.empty()) return;
+        if (w.visible && w.inVr && pluginActive(w.plugin)) vr.push_back(id);
+    }
+    if (popped.empty() && vr.empty()) return;
     for (uintptr_t id : popped) drawPoppedOut(id);
+    for (uintptr_t id : vr) drawInVr(id);
     makeScreenCurrent();
     publishMatrices(m.modelView, m.projection, m.viewport);
     restoreState(m);
@@ -509,8 +551,29 @@ std::vector<uint8_t> screenImage(int& width, int& height) {
     return out;
 }
 
+bool windowPicture(void* id, std::vector<uint8_t>& rgbaTopDown, int& width, int& height) {
+    drawIfStale();
+    rgbaTopDown.clear();
+    Window* w = lookup(id);
+    if (!w || (!w->inVr && !w->poppedOut)) return false;
+    const std::vector<uint8_t>& buffer = w->inVr ? w->vrBuffer : w->popBuffer;
+    width = w->inVr ? toPixels(w->vrWidth) : w->osRight - w->osLeft;
+    height = w->inVr ? toPixels(w->vrHeight) : w->osTop - w->osBottom;
+    const size_t row = static_cast<size_t>(std::max(width, 0)) * 4;
+    if (width <= 0 || height <= 0 || buffer.size() < row * static_cast<size_t>(height)) return false;
+    rgbaTopDown.resize(row * static_cast<size_t>(height));
+    for (int y = 0; y < height; ++y)
+        std::memcpy(rgbaTopDown.data() + row * static_cast<size_t>(y),
+                    buffer.data() + row * static_cast<size_t>(height - 1 - y), row);
+    return true;
+}
+
 bool screenshot(const std::string& path, std::string* error) {
     int width = 0, height = 0;
+    if (!state().drawing) {
+        if (error) *error = "drawing is off";
+        return false;
+    }
     std::vector<uint8_t> image = screenImage(width, height);
     if (image.empty()) {
         if (error) *error = "nothing has been drawn";
@@ -592,17 +655,16 @@ bool routeWheel(int x, int y, int clicks, int axis) {
     return false;
 }
 
-// The front-most window under the pointer decides the cursor.
+// Front to back under the pointer: the first window that asks for a cursor decides
+// it; one that answers xplm_CursorDefault (or has no callback) passes the move on to
+// the windows below, and after them to the simulator.
 void routeCursor(int x, int y) {
     const auto order = stacking();
     for (auto it = order.rbegin(); it != order.rend(); ++it) {
         Window* w = lookup(toId(*it));
-        if (!w || !onScreen(*w) || !inClient(*w, x, y)) continue;
-        if (w->params.handleCursorFunc) {
-            PluginScope scope(w->plugin);
-            w->params.handleCursorFunc(toId(*it), x, y, w->params.refcon);
-        }
-        return;
+        if (!w || !onScreen(*w) || !inClient(*w, x, y) || !w->params.handleCursorFunc) continue;
+        PluginScope scope(w->plugin);
+        if (w->params.handleCursorFunc(toId(*it), x, y, w->params.refcon) != xplm_CursorDefault) return;
     }
 }
 

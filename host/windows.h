@@ -64,6 +64,11 @@ void key(char key, int flags, int virtualKey);
 void typeKey(char key, int virtualKey, int modifierFlags = 0);
 
 // ---------------------------------------------------------------- drawing
+// Off: the frame's draw callbacks and windows are still called with the screen's
+// matrices, but neither the world nor their pixels are drawn, and there are no
+// screenshots. Long runs use it. On after reset.
+void setDrawing(bool on);
+bool drawing();
 // Draws one frame now (the frame loop does this at its draw point).
 void drawScreen();
 // RGBA of one pixel of the last drawn screen, framebuffer pixels with y up.
@@ -72,6 +77,9 @@ uint32_t screenPixel(int x, int y);
 std::vector<uint8_t> screenImage(int& width, int& height);
 // The last frame as a PNG; false when it can't be written (error says why).
 bool screenshot(const std::string& path, std::string* error = nullptr);
+// What a window in VR (its panel in the headset) or a popped-out window showed in the
+// last frame, RGBA rows from the top; false for a window on the screen or none drawn.
+bool windowPicture(void* id, std::vector<uint8_t>& rgbaTopDown, int& width, int& height);
 // Draw callbacks registered, for tests.
 int drawCallbackCount();
 

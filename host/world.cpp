@@ -27,6 +27,12 @@ constexpr double kDefaultLatitude = 47.4638;
 constexpr double kDefaultLongitude = -122.3078;
 // The default field is flat this far from the origin along either axis.
 constexpr double kFlatHalfWidth = 3000.0;
+// South of this line the flat square is the bay of the boats.
+constexpr double kBayNorthEdge = 1200.0;
+
+bool defaultWater(double x, double z) {
+    return std::fabs(x) <= kFlatHalfWidth && z > kBayNorthEdge && z <= kFlatHalfWidth;
+}
 
 struct Probe {
     int plugin = 0;
@@ -41,6 +47,7 @@ struct WorldState {
     double ecef0[3] = {0, 0, 0};
     double east[3] = {0, 0, 0}, north[3] = {0, 0, 0}, up[3] = {0, 0, 0};
     TerrainFunction terrain;
+    WaterFunction water;
     std::vector<std::unique_ptr<Probe>> probes;
     Boat boats[2];
     SimDataRef* latitude = nullptr;
@@ -120,9 +127,10 @@ void publishAircraftPosition() {
     if (w.elevation) w.elevation->set(elev);
 }
 
+// Boats sail in simulated time: a paused simulator holds them.
 void moveBoats() {
     WorldState& w = world();
-    double dt = frameStep();
+    double dt = simulatedStep();
     for (Boat& b : w.boats) {
         if (b.speed == 0.0f) continue;
         double h = b.heading * kRadians;
@@ -138,6 +146,7 @@ void resetWorld() {
     w.refLongitude = kDefaultLongitude;
     updateFrame();
     w.terrain = defaultTerrainHeight;
+    w.water = defaultWater;
     w.probes.clear();
     // The carrier steams north-east two kilometres south of the field, the frigate
     // follows it; both on the sea level of the flat area.
@@ -162,6 +171,8 @@ void listProbeLeaks(int plugin, std::vector<std::string>& out) {
         if (p->plugin == plugin) ++count;
     if (count > 0) out.push_back("XPLMProbeRef: " + std::to_string(count) + " probe(s) not destroyed");
 }
+
+constexpr BoatShape kBoatShapes[2] = {{330, 60, 18, 30, 10, 22, 20}, {130, 16, 7, 40, 11, 9, 0}};
 
 HostModule gWorldModule("world", resetWorld, listProbeLeaks);
 
@@ -222,9 +233,36 @@ void localToWorld(double x, double y, double z, double& latitude, double& longit
 void setTerrain(TerrainFunction terrain) {
     ensureInitialized();
     world().terrain = std::move(terrain);
+    world().water = nullptr;
 }
 
-void setDefaultTerrain() { setTerrain(defaultTerrainHeight); }
+void setWater(WaterFunction water) {
+    ensureInitialized();
+    world().water = std::move(water);
+}
+
+void setDefaultTerrain() {
+    setTerrain(defaultTerrainHeight);
+    setWater(defaultWater);
+}
+
+bool isWater(double x, double z) {
+    ensureInitialized();
+    const WaterFunction& water = world().water;
+    return water && water(x, z);
+}
+
+double localHeightOf(double x, double z, double elevation) {
+    // The earth falls away from the tangent plane by about d^2 / 2R; two corrections
+    // through the exact conversion reach well under a millimetre.
+    double y = elevation;
+    for (int i = 0; i < 2; ++i) {
+        double lat, lon, e;
+        localToWorld(x, y, z, lat, lon, e);
+        y += elevation - e;
+    }
+    return y;
+}
 
 bool defaultTerrainHeight(double x, double z, double& y) {
     double ax = std::fabs(x), az = std::fabs(z);
@@ -248,7 +286,32 @@ bool defaultTerrainHeight(double x, double z, double& y) {
 bool terrainHeight(double x, double z, double& y) {
     ensureInitialized();
     const TerrainFunction& t = world().terrain;
-    return t && t(x, z, y);
+    double elevation;
+    if (!t || !t(x, z, elevation)) return false;
+    y = localHeightOf(x, z, elevation);
+    return true;
+}
+
+const BoatShape& boatShape(int index) { return kBoatShapes[index == 1 ? 1 : 0]; }
+
+bool boatDeckAt(double x, double z, double& y, double velocity[3]) {
+    ensureInitialized();
+    for (int i = 0; i < 2; ++i) {
+        const Boat& b = world().boats[i];
+        const BoatShape& shape = kBoatShapes[i];
+        const double h = b.heading * kRadians;
+        // Into the boat's axes: along the heading (east sin h, north cos h) and across.
+        const double dx = x - b.x, dz = z - b.z;
+        const double along = dx * std::sin(h) - dz * std::cos(h);
+        const double across = dx * std::cos(h) + dz * std::sin(h);
+        if (std::fabs(along) > shape.length / 2 || std::fabs(across) > shape.beam / 2) continue;
+        y = b.y + shape.freeboard;
+        velocity[0] = std::sin(h) * b.speed;
+        velocity[1] = 0;
+        velocity[2] = -std::cos(h) * b.speed;
+        return true;
+    }
+    return false;
 }
 
 int liveProbeCount() { return static_cast<int>(world().probes.size()); }
@@ -318,6 +381,20 @@ XPLMProbeResult XPLMProbeTerrainXYZ(XPLMProbeRef inProbe, float inX, float inY, 
     // The simulator refuses a record of a size it doesn't know.
     if (!findProbe(inProbe) || !outInfo || outInfo->structSize != static_cast<int>(sizeof(XPLMProbeInfo_t)))
         return xplm_ProbeError;
+    // The tallest surface on the vertical through the point: a boat's deck over the sea.
+    double deck = 0, velocity[3] = {0, 0, 0};
+    if (boatDeckAt(inX, inZ, deck, velocity)) {
+        outInfo->locationX = inX;
+        outInfo->locationY = static_cast<float>(deck);
+        outInfo->locationZ = inZ;
+        outInfo->normalX = outInfo->normalZ = 0.0f;
+        outInfo->normalY = 1.0f;
+        outInfo->velocityX = static_cast<float>(velocity[0]);
+        outInfo->velocityY = static_cast<float>(velocity[1]);
+        outInfo->velocityZ = static_cast<float>(velocity[2]);
+        outInfo->is_wet = 0;
+        return xplm_ProbeHitTerrain;
+    }
     double y;
     if (!terrainHeight(inX, inZ, y)) return xplm_ProbeMissed;
     // The normal from the slope of the field, by central differences over a metre.
@@ -335,7 +412,7 @@ XPLMProbeResult XPLMProbeTerrainXYZ(XPLMProbeRef inProbe, float inX, float inY, 
     outInfo->normalY = static_cast<float>(ny / len);
     outInfo->normalZ = static_cast<float>(nz / len);
     outInfo->velocityX = outInfo->velocityY = outInfo->velocityZ = 0.0f;
-    outInfo->is_wet = 0;
+    outInfo->is_wet = isWater(inX, inZ) ? 1 : 0;
     (void)inY;
     return xplm_ProbeHitTerrain;
 }

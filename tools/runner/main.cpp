@@ -8,8 +8,10 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 #include <string>
 
+#include "contact_sheet.h"
 #include "default_tree.h"
 #include "host/host.h"
 #include "host/windows.h"
@@ -21,8 +23,9 @@
 namespace {
 
 const char* const usageText =
-    "usage: vistarig-sim [SCENARIO] [--scenario FILE] [--work DIR] [--xpl PLUGIN] [--frames N] [--debug]\n"
+    "usage: vistarig-sim [SCENARIO] [--scenario FILE] [--work DIR] [--xpl PLUGIN] [--frames N] [--no-draw] [--debug]\n"
     "  Without a scenario the aircraft flies its default path for N frames (300).\n"
+    "  --no-draw    callbacks run but nothing is drawn: no world, no pictures (long runs)\n"
     "  --work DIR   the X-Plane tree to build and use (default ./vistarig-run)\n"
     "  --xpl FILE   the plug-in to install (default: the one built with this runner)\n"
     "  --debug      log the datarefs the plug-in looks for and the simulator lacks\n"
@@ -32,6 +35,7 @@ const char* const csvName = "vistarig-frames.csv";
 const char* const screenshotName = "vistarig-screen.png";
 const char* const cockpitShotName = "vistarig-cockpit.png";
 const char* const outsideShotName = "vistarig-outside.png";
+const char* const contactSheetName = "vistarig-contact-sheet.png";
 
 struct Options {
     std::string scenario;
@@ -39,6 +43,7 @@ struct Options {
     std::string xpl = VISTARIG_XPL_PATH;
     int frames = 300;
     bool debug = false;
+    bool draw = true;
 };
 
 bool parseArgs(int argc, char** argv, Options& o, std::string& error) {
@@ -58,6 +63,8 @@ bool parseArgs(int argc, char** argv, Options& o, std::string& error) {
         }
         if (a == "--debug") {
             o.debug = true;
+        } else if (a == "--no-draw") {
+            o.draw = false;
         } else if (a == "--scenario") {
             if (!value(o.scenario)) return false;
         } else if (a == "--work") {
@@ -110,6 +117,7 @@ bool installPlugin(const std::string& from, const std::string& root, std::string
 }
 
 void takeScreenshot(const std::string& root, const char* name, const char* label) {
+    if (!xphost::drawing()) return;
     std::string error;
     if (xphost::screenshot(root + name, &error))
         std::cout << label << ": " << root << name << "\n";
@@ -136,12 +144,41 @@ int main(int argc, char** argv) {
     // Each run starts a fresh log, as X-Plane does.
     std::remove((root + "Log.txt").c_str());
     std::remove((root + csvName).c_str());
-    for (const char* name : {screenshotName, cockpitShotName, outsideShotName}) std::remove((root + name).c_str());
+    for (const char* name : {screenshotName, cockpitShotName, outsideShotName, contactSheetName})
+        std::remove((root + name).c_str());
+
+    // A scenario's before_load section runs before the plug-in and the aircraft load.
+    std::string beforeLoad, scenarioText;
+    if (!options.scenario.empty()) {
+        std::ifstream in(options.scenario, std::ios::binary);
+        if (!in) {
+            std::cerr << "vistarig-sim: " << options.scenario << ": cannot be read\n";
+            return 1;
+        }
+        std::ostringstream text;
+        text << in.rdbuf();
+        if (!xphost::splitBeforeLoad(text.str(), beforeLoad, scenarioText, error)) {
+            std::cerr << "vistarig-sim: " << options.scenario << ":" << error << "\n";
+            return 1;
+        }
+    }
 
     xphost::reset();
     xphost::setRoot(root);
     xphost::setUserAircraft(defaultAircraftPath);
     xphost::setLogUnknownDataRefs(options.debug);
+    xphost::setDrawing(options.draw);
+    for (int i = 0; i < defaultTreeFileCount; ++i)
+        if (std::strstr(defaultTreeFiles[i].path, "/Vistarig_") != nullptr) learnCameraNames(defaultTreeFiles[i].content);
+
+    bool scenarioOk = true;
+    if (!beforeLoad.empty()) {
+        scenarioOk = xphost::runScenarioText(beforeLoad, options.scenario, std::cout, error);
+        if (!scenarioOk) {
+            std::cerr << "vistarig-sim: " << error << "\n";
+            return 1;
+        }
+    }
 
     std::string installed;
     if (!installPlugin(options.xpl, root, installed)) {
@@ -157,16 +194,22 @@ int main(int argc, char** argv) {
     if (!xphost::enablePlugin(plugin)) std::cerr << "vistarig-sim: the plug-in refused to be enabled\n";
     xphost::sendPlaneLoaded(0);
 
-    bool scenarioOk = true;
     if (options.scenario.empty()) {
         // A tour of the default camera file: the cockpit, an outside camera, the
         // Cineflex pair, then the orbit chain, which plays by itself.
+        static const char* const parts[] = {"cockpit camera", "outside camera", "Cineflex pair", "orbit chain"};
         const int share[] = {15, 15, 10, 60};
+        // Twelve pictures evenly over the run for the contact sheet.
+        const int pictureEvery = options.frames >= 12 ? options.frames / 12 : 1;
         int run = 0;
         for (int part = 0; part < 4; ++part) {
             int n = part == 3 ? options.frames - run : options.frames * share[part] / 100;
             if (part > 0) xphost::runCommand("KVT/Vistarig/Next_Category", xphost::Phase::Once);
-            xphost::runFrames(n);
+            for (int k = 0; k < n; ++k) {
+                xphost::runFrames(1);
+                if (xphost::frameNumber() % pictureEvery == 0)
+                    addContactPicture(std::string("default tour: ") + parts[part]);
+            }
             run += n;
             // A picture from inside the cockpit and one from the outside camera.
             const bool cockpit = xphost::viewType() == xphost::viewCockpit3d;
@@ -176,8 +219,14 @@ int main(int argc, char** argv) {
         // The default run ends with a picture of the screen as the last frame left it.
         takeScreenshot(root, screenshotName, "Screenshot");
     } else {
-        scenarioOk = xphost::runScenario(options.scenario, std::cout, error);
+        scenarioOk = xphost::runScenarioText(scenarioText, options.scenario, std::cout, error);
         if (!scenarioOk) std::cerr << "vistarig-sim: " << error << "\n";
+    }
+    if (contactPictureCount() > 0) {
+        if (writeContactSheet(root + contactSheetName, error))
+            std::cout << "Contact sheet: " << root << contactSheetName << "\n";
+        else
+            std::cerr << "vistarig-sim: no contact sheet: " << error << "\n";
     }
 
     xphost::stopAllPlugins();

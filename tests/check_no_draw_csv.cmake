@@ -1,0 +1,16 @@
+# The default run gives the same frames CSV byte for byte with and without drawing.
+foreach(mode draw no-draw)
+  set(args --work ${WORK}/${mode})
+  if(mode STREQUAL "no-draw")
+    list(APPEND args --no-draw)
+  endif()
+  execute_process(COMMAND ${SIM} ${args} RESULT_VARIABLE status OUTPUT_QUIET)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "vistarig-sim ${args} failed with ${status}")
+  endif()
+endforeach()
+execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${WORK}/draw/vistarig-frames.csv
+                        ${WORK}/no-draw/vistarig-frames.csv RESULT_VARIABLE differ)
+if(NOT differ EQUAL 0)
+  message(FATAL_ERROR "the frames CSV differs with --no-draw")
+endif()
