@@ -65,24 +65,18 @@ struct Fields {
         if (size) std::memcpy(out, starts[i], size);
         out[size] = 0;
     }
-    float number(int i) const {
-        float value = 0;
+    template <typename T>
+    T numberAt(int i, bool (*parse)(const char*, T*)) const {
+        T value = 0;
         if (i < count) {
             char field[64];
             copy(i, field, sizeof field);
-            parseFloat(field, &value);
+            parse(field, &value);
         }
         return value;
     }
-    double real(int i) const {
-        double value = 0;
-        if (i < count) {
-            char field[64];
-            copy(i, field, sizeof field);
-            parseDouble(field, &value);
-        }
-        return value;
-    }
+    float number(int i) const { return numberAt<float>(i, parseFloat); }
+    double real(int i) const { return numberAt<double>(i, parseDouble); }
 };
 
 // The row code: the number the line begins with, 0 when it begins with none.

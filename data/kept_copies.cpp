@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <set>
 
@@ -28,15 +27,6 @@ std::string backupsFolder() {
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);
     return folder;
-}
-
-std::string fileStamp() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%d_%H%M%S", &local);
-    return text;
 }
 
 // Writes a new file that must not replace anything: false when `path` exists.
@@ -95,7 +85,7 @@ std::string keepOriginalCopy(const char* path, const char* why, bool* made) {
             return entry.path().string();
     }
 
-    std::string base = folder + stem + fileStamp();
+    std::string base = folder + stem + localTimeText("%Y-%m-%d_%H%M%S");
     std::string copy = base;
     for (int n = 2; n < 100 && !writeNewFile(copy, original); ++n) {
         struct stat info;

@@ -456,11 +456,11 @@ bool fileMissing(const char* path) {
     return ::stat(path, &info) != 0 && errno == ENOENT;
 }
 
-std::string localTimeText() {
+std::string localTimeText(const char* format) {
     std::time_t now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
     char text[64];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+    if (std::strftime(text, sizeof text, format, &local) == 0) text[0] = 0;
     return text;
 }

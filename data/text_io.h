@@ -97,5 +97,6 @@ bool fileReadable(const char* path);
 // reader that could not open it start a new file there.
 bool fileMissing(const char* path);
 
-// The present local time as "%Y-%m-%d %H:%M:%S": the stamp of new files and shares.
-std::string localTimeText();
+// The present local time, by default as "%Y-%m-%d %H:%M:%S": the stamp of new files
+// and shares.
+std::string localTimeText(const char* format = "%Y-%m-%d %H:%M:%S");
