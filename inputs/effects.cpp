@@ -58,12 +58,15 @@ void applyCameraInputs(Camera* camera, CameraPose& pose) {
     IntegrationValues& in = integrationValues();
     in.vistarigEnabled = camera->trackIrEnabled ? 2 : 1;
 
-    // Head tracking takes the camera whole: no mouse look or view axes on top of it.
+    // Head tracking takes the camera in place of the view axes. Mouse look still
+    // shows on top of it while the button is held: without it a drag showed nothing
+    // and the view jumped by the whole drag when the button came up.
     if (!TrackIRIsActive() || !camera->trackIrEnabled) {
         applyMouseLookOffsets(camera, pose);
         if (camera->viewAxis) applyViewAxes(pose, *camera);
     } else {
         TrackIRApply(pose);
+        applyMouseLookOffsets(camera, pose);
     }
     if (camera->trackIrEnabled && in.headtrackingPresent != 0) applyExternalHeadTracking(*camera, pose);
     storeCurrentHeadPose(pose);

@@ -327,11 +327,13 @@ void externalPose(Camera* camera, CameraPose& out, const CameraPose& in) {
     }
     applyCameraInputs(camera, p);
 
-    // The orientation goes into the world through a far point on the camera's own
-    // forward axis, which holds whatever the two attitudes involved.
-    Vector3 far = rotateByAttitude({p.x, p.y, p.z - kFarPoint}, p.pitch, p.heading, p.roll);
-    double tx, ty, tz;
-    placeInOrigin(o, far, tx, ty, tz);
+    // The orientation goes into the world as the direction from the camera's world
+    // position along its own forward axis: the camera's attitude, then the origin's,
+    // applied to the forward vector alone. Rotating the camera's offset together with
+    // the far point turned the view off its subject by up to several degrees for a
+    // camera standing well to the side.
+    Vector3 forward = rotateByAttitude({0.0f, 0.0f, -kFarPoint}, p.pitch, p.heading, p.roll);
+    forward = rotateByAttitude(forward, o.pitch, o.heading, o.roll);
     double cx, cy, cz;
     placeInOrigin(o, {p.x, p.y, p.z}, cx, cy, cz);
 
@@ -340,8 +342,8 @@ void externalPose(Camera* camera, CameraPose& out, const CameraPose& in) {
     out.y = static_cast<float>(cy);
     out.z = static_cast<float>(cz);
     // The aim formulas give the direction from the far point back to the camera.
-    float tp = pitchFromDifference(tx - out.x, ty - out.y, tz - out.z);
-    float th = headingFromDifference(tx - out.x, tz - out.z);
+    float tp = pitchFromDifference(forward.x, forward.y, forward.z);
+    float th = headingFromDifference(forward.x, forward.z);
     out.pitch = foldAngle(-tp);
     out.heading = wrapAngle(th - 180.0f);
 

@@ -14,6 +14,7 @@
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "shell/host_interface.h"
+#include "shell/pending_actions.h"
 
 namespace {
 
@@ -22,7 +23,10 @@ ViewDatarefs gRefs;
 
 constexpr int kCockpitViewType = 1026;
 constexpr int kExternalViewType = 1028;
-constexpr int64_t kStaleControlMs = 500;
+constexpr double kStaleControlSeconds = 0.5;
+constexpr double kNearestAirportSeconds = 2.0;
+// Sums of frame times carry rounding; a timer that is due within this is due.
+constexpr double kTimerSlack = 1e-6;
 
 XPLMDataRef find(const char* name) { return XPLMFindDataRef(name); }
 
@@ -147,13 +151,15 @@ bool viewIsForeign() {
 }
 
 bool cameraControlStale() {
-    return gDriver.cameraControlled && monotonicMilliseconds() - gDriver.lastCallbackTime > kStaleControlMs;
+    // Counted in the simulator's time, not the system clock: a host that runs faster
+    // than real time, or a paused debugger, must not make control look stale.
+    return gDriver.cameraControlled && simulatorSeconds() - gDriver.lastCallbackTime > kStaleControlSeconds + kTimerSlack;
 }
 
 void takeCameraControl() {
     XPLMControlCamera(xplm_ControlCameraForever, cameraCallback, &gDriver.framePose);
     gDriver.cameraControlled = true;
-    gDriver.lastCallbackTime = monotonicMilliseconds();
+    gDriver.lastCallbackTime = simulatorSeconds();
 }
 
 void releaseCameraControl() {
@@ -238,9 +244,13 @@ void runFrame() {
         plugin.firstFrameAfterEnable = false;
     }
 
-    // 7. The nearest airport timer.
+    // 7. The nearest airport timer, in the simulator's time summed in double, so that
+    // it falls due on the same frame in every run.
     d.nearestAirportTimer += plugin.lastFrameSeconds;
-    if (d.nearestAirportTimer > 2.0f) d.nearestAirportTimer = 0.0f;
+    if (d.nearestAirportTimer >= kNearestAirportSeconds - kTimerSlack) {
+        if (isAirportSetActive() && d.autoNearestAirport) selectNearestAirportCamera();
+        d.nearestAirportTimer = 0.0;
+    }
 
     // 8. Frame rate.
     float period = getf(gRefs.frameRatePeriod);
@@ -298,7 +308,11 @@ void runFrame() {
         bool glides = last->categoryIndex == current->categoryIndex &&
                       d.previousAirportFlag == (current->airportCamera ? 1 : 0);
         TransitionFrame* list = nullptr;
-        if (glides && (current->linearTransition || current->smoothTransition)) list = buildTransition(last, current);
+        // A change while a transition was on screen starts from the pose the view
+        // had reached, not from the previous camera's own values: restarting from
+        // those made the view jump back before it moved on.
+        if (glides && (current->linearTransition || current->smoothTransition))
+            list = d.shownFromTransition ? buildTransitionFrom(d.shownPose, last, current) : buildTransition(last, current);
         if (glides && current->bezierTransition) {
             TransitionFrame* curve = buildBezierTransition(last, current);
             freeTransitionList(list);
@@ -321,12 +335,14 @@ void runFrame() {
 
     // 21. The pose of this frame: from the running transition, which may move the
     // selection along a chain, or from the camera.
+    d.shownFromTransition = transitionRunning();
     if (!transitionRunning()) {
         applyMouseMove(current);
         d.framePose = cameraPose(current);
     } else {
         stepTransition(current);
     }
+    d.shownPose = d.framePose;
 
     // 22, 23. A cockpit camera aims and levels here; an outside one in the callback.
     if (!current->external) {
@@ -373,7 +389,7 @@ int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refc
         return 0;
     }
     if (!position) return 0;
-    d.lastCallbackTime = monotonicMilliseconds();
+    d.lastCallbackTime = simulatorSeconds();
     Camera* camera = d.callbackCamera;
     if (camera->chaseView9) {
         camera->x = camera->y = camera->heading = 0.0f;

@@ -17,18 +17,23 @@ struct FrameDriver {
     Camera* lastFrameCamera = nullptr;
     Camera* callbackCamera = nullptr;
     bool cameraControlled = false;
-    int64_t lastCallbackTime = 0;
+    double lastCallbackTime = 0;  // simulator seconds of the last camera callback
     bool selectionChanged = false;
     bool cockpitReturnRequested = false;
     float defaultFov = 60.0f;
     RunningAverage frameRateFilter;
-    float nearestAirportTimer = 0;
+    double nearestAirportTimer = 0;  // simulator seconds since the last nearest airport test
     bool autoNearestAirport = false;
     int32_t previousAirportFlag = 0;
     bool headRollAvailable = false;
     Camera restoreSnapshot;
     bool restorePending = false;
     bool drawCallbackRegistered = false;
+    // The pose this frame took from the running transition or the camera, before
+    // aiming and inputs, and whether a transition gave it: where the view stands when
+    // a camera change or a movement key interrupts a transition.
+    CameraPose shownPose;
+    bool shownFromTransition = false;
 };
 
 // The simulator's view datarefs, found at host enable.

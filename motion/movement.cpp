@@ -60,10 +60,12 @@ float effectiveHeading(const Camera* camera) {
 }
 
 void moveCamera(int32_t operation, bool continuous) {
-    // Any movement input ends a transition at once, and doesn't move in that press.
+    // Any movement input ends a transition at once. It stops where the view stands
+    // and the press moves on from there: stopping at the camera's own values threw the
+    // view to the destination in one frame.
     if (transitionRunning()) {
+        stopTransitionWhereItIs();
         stopCameraMotion();
-        return;
     }
     MovementState& mv = gMovement;
     Camera* camera = currentCamera();
@@ -127,6 +129,7 @@ void moveCamera(int32_t operation, bool continuous) {
     mv.rateX += d.x;
     mv.rateY += d.y;
     mv.rateZ += d.z;
+    if (operation <= moveTurnRight) mv.stepPending = true;
 }
 
 void panCamera(int32_t phase, int32_t code) {
@@ -190,13 +193,17 @@ void panCamera(int32_t phase, int32_t code) {
 
 void endHeldMotion() {
     if (transitionRunning()) {
+        stopTransitionWhereItIs();
         stopCameraMotion();
         return;
     }
     // In walk mode the end of a key press changes nothing.
     if (gMovement.walkMode) return;
     gMovement.ratesHeld = false;
-    clearRates();
+    // A press and its release in one go (a command sent once) would otherwise clear
+    // the step before any frame applied it, and the camera never moved; the next
+    // frame spends it and clears the rates itself.
+    if (!gMovement.stepPending) clearRates();
 }
 
 void addRates(float x, float y, float z, float heading, float pitch) {
@@ -231,6 +238,7 @@ void applyMovementRates(Camera* camera) {
         for (int i = 0; i < 5; ++i) values[i] = rates[i];
     }
     if (!mv.ratesHeld) clearRates();
+    mv.stepPending = false;
 
     if (camera->circleView) {
         circleMoveCamera(camera, values[0], values[1], values[2]);
@@ -264,5 +272,6 @@ void circleMoveCamera(Camera* camera, float orbit, float height, float distance)
 void stopMovement() {
     gMovement.walkMode = false;
     gMovement.ratesHeld = false;
+    gMovement.stepPending = false;
     clearRates();
 }

@@ -19,6 +19,8 @@ struct MovementState {
     bool ratesHeld = false;
     bool walkMode = false;
     int32_t lastPanCode = 0;
+    // A key's step that no frame has applied yet; the key's end leaves it in place.
+    bool stepPending = false;
     bool filtersCleared = false;
     RunningAverage filters[5];  // x, y, z, heading, pitch
 };

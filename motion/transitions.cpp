@@ -1,5 +1,6 @@
 #include "motion/transitions.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -19,6 +20,10 @@ constexpr int32_t kDefaultSmoothFrames = 15;
 constexpr int32_t kMinBezierLegFrames = 10;
 
 TransitionState gState;
+// The start pose of the next leg built at depth 1, when the caller gives one.
+const CameraPose* gStartOverride = nullptr;
+// Sums of frame times carry rounding; a delay that is due within this is due.
+constexpr double kTimerSlack = 1e-6;
 
 // Frames come from chunks and go back to a free list, so the frame of a camera change
 // into a long chain doesn't pay one heap allocation per frame, and a consumed chain
@@ -113,6 +118,7 @@ Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
     int32_t n = to->transitionSeconds > 0.0f ? static_cast<int32_t>(currentFrameRate() * to->transitionSeconds)
                                              : to->linearTransitionFrames;
     CameraPose a = from ? cameraPose(from) : readHeadPose();
+    if (depth == 1 && gStartOverride) a = *gStartOverride;
     if (from && depth == 1 && headMayDiffer(from)) {
         CameraPose head = readHeadPose();
         a.x = head.x;
@@ -136,14 +142,16 @@ Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
 
     PoseDelta d = poseDelta(a, b);
     if (!to->linearTransition) {
-        // Sine-eased: the weights sum to one, slow at both ends.
+        // Sine-eased: the weights sum to one, slow at both ends. The half wave is cut
+        // into m + 1 parts so that every one of the m frames moves: with m parts the
+        // last weight, sin 180, was zero and the last frame repeated the one before.
         int32_t m = n < 1 ? kDefaultSmoothFrames : n;
-        float step = 180.0f / static_cast<float>(m);
+        double step = 180.0 / static_cast<double>(m + 1);
         double sum = 0.0;
-        for (int32_t k = 1; k <= m; ++k) sum += std::sin(k * static_cast<double>(step) * kRadians);
-        for (float angle = step; angle <= 180.0f; angle += step) {
+        for (int32_t k = 1; k <= m; ++k) sum += std::sin(k * step * kRadians);
+        for (int32_t k = 1; k <= m; ++k) {
             leg.tail = appendCopy(leg.tail, to);
-            advance(leg.tail->pose, d, std::sin(angle * kRadians) / sum);
+            advance(leg.tail->pose, d, std::sin(k * step * kRadians) / sum);
         }
         leg.mayChain = true;
     } else if (n >= 1) {
@@ -334,6 +342,13 @@ TransitionFrame* buildTransition(Camera* from, Camera* to) {
     return head;
 }
 
+TransitionFrame* buildTransitionFrom(const CameraPose& start, Camera* from, Camera* to) {
+    gStartOverride = &start;
+    TransitionFrame* head = buildTransition(from, to);
+    gStartOverride = nullptr;
+    return head;
+}
+
 TransitionFrame* buildBezierTransition(Camera* from, Camera* to) {
     if (!mayAutoAdvance() || !from) return nullptr;
     if (from->freeCamera) worldToLocal(from);
@@ -405,16 +420,23 @@ TransitionFrame* buildBezierTransition(Camera* from, Camera* to) {
 }
 
 TransitionFrame* smoothChainJoins(TransitionFrame* head) {
-    int32_t half = settings().SMOOTH_WINDOW / 2;
+    int32_t window = settings().SMOOTH_WINDOW / 2;
     // Scratch cameras of the three-point curve round one corner.
     static Camera first, middle, last;
     for (TransitionFrame* f = head; f && f->next; f = f->next) {
         if (f->camera == f->next->camera) continue;
-        if (runOfCamera(f->previous, f->camera, true, half) <= half) continue;
-        if (runOfCamera(f->next->next, f->next->camera, false, half) <= half) continue;
-        TransitionFrame* before = stepFrames(f, half, true);
-        TransitionFrame* behind = stepFrames(f, half, false);
-        if (!before || !behind) continue;
+        // Each corner takes at most half of either leg: where legs are shorter than
+        // the window, two corners' curves overlapped, the second starting inside the
+        // first, and the speed jumped by a third where they met.
+        int32_t before = runOfCamera(f, f->camera, true, 2 * window);
+        int32_t behind = runOfCamera(f->next, f->next->camera, false, 2 * window);
+        int32_t half = std::min(window, std::min(before, behind) / 2);
+        // The curve's legs are never shorter than a Bezier leg; a narrower corner
+        // stays as it is.
+        if (half < kMinBezierLegFrames) continue;
+        TransitionFrame* start = stepFrames(f, half, true);
+        TransitionFrame* end = stepFrames(f, half, false);
+        if (!start || !end) continue;
 
         first = *f->camera;
         middle = *f->next->camera;
@@ -434,13 +456,13 @@ TransitionFrame* smoothChainJoins(TransitionFrame* head) {
         last.bezierTransition = true;
         last.autoAdvance = false;
         last.nextInCategory = nullptr;
-        writePose(first, before->pose);
+        writePose(first, start->pose);
         writePose(middle, f->pose);
-        writePose(last, behind->pose);
+        writePose(last, end->pose);
 
         TransitionFrame* curve = buildBezierTransition(&first, &last);
         if (!curve) continue;
-        TransitionFrame* target = before;
+        TransitionFrame* target = start;
         for (TransitionFrame* c = curve; c && target; c = c->next, target = target->next) target->pose = c->pose;
         freeTransitionList(curve);
     }
@@ -451,30 +473,37 @@ void stepTransition(Camera*& current) {
     TransitionFrame* h = gState.transitionHead;
     if (!h) return;
     FrameDriver& driver = frameDriver();
-    int64_t now = monotonicMilliseconds();
-    if (gState.delayEndTime == 0 && h->delay > 0.0f) {
-        gState.delayEndTime = now + static_cast<int64_t>(h->delay * 1000.0f);
-    } else if (gState.delayEndTime == 0) {
-        driver.framePose = h->pose;
-        gState.transitionHead = h->next;
-        releaseFrame(h);
-        TransitionFrame* next = gState.transitionHead;
-        if (!next) return;
-        next->previous = nullptr;
-        // Along a chain the selection moves with the legs, without a camera change.
-        if (next->camera != current) {
-            current = next->camera;
-            driver.lastFrameCamera = current;
-            selectCameraRecord(current);
-        }
-        return;
+    // Delays count the simulator's time rather than the system clock, so a delay of
+    // three seconds holds the same number of frames in every run at a given rate.
+    double now = simulatorSeconds();
+    if (gState.delayEndTime == 0.0 && h->delay > 0.0f) {
+        gState.delayEndTime = now + static_cast<double>(h->delay);
     }
-    // A delay holds the view where it is.
-    if (now > gState.delayEndTime) {
-        gState.delayEndTime = 0;
+    if (gState.delayEndTime != 0.0) {
+        if (now < gState.delayEndTime - kTimerSlack) {
+            // A delay holds the view where it is: the pose this frame began from,
+            // without the inputs that the last frame added to it.
+            driver.framePose = driver.shownPose;
+            driver.lastFrameCamera = current;
+            return;
+        }
+        // Due: the transition moves on in this very frame, so the hold is exactly
+        // the delay long.
+        gState.delayEndTime = 0.0;
         h->delay = 0.0f;
     }
-    driver.lastFrameCamera = current;
+    driver.framePose = h->pose;
+    gState.transitionHead = h->next;
+    releaseFrame(h);
+    TransitionFrame* next = gState.transitionHead;
+    if (!next) return;
+    next->previous = nullptr;
+    // Along a chain the selection moves with the legs, without a camera change.
+    if (next->camera != current) {
+        current = next->camera;
+        driver.lastFrameCamera = current;
+        selectCameraRecord(current);
+    }
 }
 
 bool transitionRunning() { return gState.transitionHead != nullptr; }
@@ -482,7 +511,7 @@ bool transitionRunning() { return gState.transitionHead != nullptr; }
 void freeTransition() {
     freeTransitionList(gState.transitionHead);
     gState.transitionHead = nullptr;
-    gState.delayEndTime = 0;
+    gState.delayEndTime = 0.0;
 }
 
 void stopCameraMotion() {
@@ -495,9 +524,27 @@ void startReturnTransition() {
     gState.transitionHead = buildTransition(nullptr, currentCamera());
 }
 
+void stopTransitionWhereItIs() {
+    if (!transitionRunning()) return;
+    // Where a transition is stopped, the camera stays where the view stands; going on
+    // from the camera's own values threw the view to the destination in one frame.
+    Camera* camera = currentCamera();
+    const CameraPose& shown = frameDriver().shownPose;
+    camera->x = shown.x;
+    camera->y = shown.y;
+    camera->z = shown.z;
+    camera->heading = shown.heading;
+    camera->pitch = shown.pitch;
+    camera->roll = shown.roll;
+    if (camera->enableFov) camera->fov = shown.fov;
+    if (camera->external) camera->currentZoom = shown.zoom;
+    if (camera->freeCamera) localToWorld(camera);
+    freeTransition();
+}
+
 float delaySecondsLeft() {
-    if (gState.delayEndTime == 0) return 0.0f;
-    return static_cast<float>(gState.delayEndTime - monotonicMilliseconds()) / 1000.0f;
+    if (gState.delayEndTime == 0.0) return 0.0f;
+    return static_cast<float>(gState.delayEndTime - simulatorSeconds());
 }
 
 bool mayAutoAdvance() {

@@ -18,7 +18,7 @@ struct TransitionFrame {
 
 struct TransitionState {
     TransitionFrame* transitionHead = nullptr;
-    int64_t delayEndTime = 0;  // milliseconds; 0 when no delay runs
+    double delayEndTime = 0;  // simulator seconds; 0 when no delay runs
     int32_t buildDepth = 0;
     bool chainWantsJoins = false;
 };
@@ -32,6 +32,9 @@ TransitionState& transitionState();
 
 // `from` may be null (then the head pose is the start); never returns null.
 TransitionFrame* buildTransition(Camera* from, Camera* to);
+// The same from a given start pose: where the view stands when a camera change
+// interrupts a transition.
+TransitionFrame* buildTransitionFrom(const CameraPose& start, Camera* from, Camera* to);
 // Null when the chain has fewer than three cameras or auto advance isn't allowed.
 TransitionFrame* buildBezierTransition(Camera* from, Camera* to);
 // Rounds the corners of a chain where both sides are long enough; returns head.
@@ -46,6 +49,9 @@ void freeTransition();
 void freeTransitionList(TransitionFrame* head);
 int32_t transitionLength(const TransitionFrame* head);
 void stopCameraMotion();
+// Stops a running transition where the view stands: the current camera takes the
+// pose on screen, so that what follows moves on from there.
+void stopTransitionWhereItIs();
 void startReturnTransition();
 float delaySecondsLeft();
 bool mayAutoAdvance();

@@ -30,6 +30,14 @@ void logMessage(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // Whole milliseconds since the first call (made in XPluginStart); 0 means "not set".
 int64_t monotonicMilliseconds();
 
+// The simulator's time in seconds: the sum, in double, of the flight loop's elapsed
+// times. Delays and timers of the view count this rather than the system clock, so
+// they keep in step with the frames whether the simulator runs slower or faster than
+// real time, and X-Plane and the host drive them alike. Summing in double keeps a
+// whole microsecond after years of frames.
+double simulatorSeconds();
+void advanceSimulatorClock(float seconds);
+
 // "2.4.3": the version text of the plug-in.
 const char* versionText();
 

@@ -215,6 +215,9 @@ void disableCamera(bool keepHead) {
 
     setIntRef("sim/graphics/view/cinema_verite", gState.savedCinemaVerite);
     setIntRef("sim/graphics/view/hide_yoke", gState.savedHideYoke);
+    // The simulator's wheel zoom is given back with the rest of the view: a cockpit
+    // camera's zoom lock must not outlive the camera level.
+    if (refs.killWheelZoom) XPLMSetDataf(refs.killWheelZoom, 0.0f);
     headShakeOverride(false);
     selectCockpitView(true);
     if (XPLMIsCameraBeingControlled(nullptr)) XPLMDontControlCamera();
@@ -229,6 +232,7 @@ float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void
         if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000)
             gState.miniPanelStartTime = 0;
         gState.lastFrameSeconds = sinceLastCall;
+        advanceSimulatorClock(sinceLastCall);
         runFrame();
     } catch (...) {
         logMessage("The frame failed and was skipped");

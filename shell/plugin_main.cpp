@@ -59,6 +59,16 @@ int64_t monotonicMilliseconds() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(now - gClockZero).count();
 }
 
+namespace {
+double gSimulatorSeconds = 0.0;
+}
+
+double simulatorSeconds() { return gSimulatorSeconds; }
+
+void advanceSimulatorClock(float seconds) {
+    if (seconds > 0.0f) gSimulatorSeconds += seconds;
+}
+
 const char* versionText() {
     if (!gVersionText[0]) std::snprintf(gVersionText, sizeof gVersionText, "%d.%s", VISTARIG_MAJOR, VISTARIG_MINOR);
     return gVersionText;

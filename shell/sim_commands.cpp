@@ -67,9 +67,10 @@ const SimCommand simCommands[kSimCommandCount] = {
     {"sim/view/left_135", Act::Turn, -135.0f, 0},
     {"sim/view/right_90", Act::Turn, 90.0f, 0},
     {"sim/view/left_90", Act::Turn, -90.0f, 0},
-    // The 45-degree keys step a right angle too: that is what users have bound them to.
-    {"sim/view/right_45", Act::Turn, 90.0f, 0},
-    {"sim/view/left_45", Act::Turn, -90.0f, 0},
+    // Each turn key turns by the angle it names, as the simulator's own command does;
+    // stepping a right angle for the 45-degree keys surprised everyone who pressed one.
+    {"sim/view/right_45", Act::Turn, 45.0f, 0},
+    {"sim/view/left_45", Act::Turn, -45.0f, 0},
     {"sim/general/forward", Act::Move, 0, 0},
     {"sim/general/backward", Act::Move, 1, 0},
     {"sim/general/left", Act::Move, 2, 0},
@@ -188,7 +189,11 @@ int act(const SimCommand& command, XPLMCommandPhase phase) {
             if (command.a >= 0.0f) camera->heading = command.a;
             if (command.b >= 0.0f) camera->pitch = command.b;
             return kSwallow;
-        case Act::Turn: camera->heading = addAngles(camera->heading, command.a); return kSwallow;
+        case Act::Turn:
+            // A tap turns once, in its begin phase: applying the step in every phase
+            // turned a tap three times over and spun the view while a key was held.
+            if (phase == xplm_CommandBegin) camera->heading = addAngles(camera->heading, command.a);
+            return kSwallow;
         case Act::Glance:
             if (phase == xplm_CommandBegin) {
                 handler.glanceHeading = camera->heading;
@@ -200,13 +205,14 @@ int act(const SimCommand& command, XPLMCommandPhase phase) {
         case Act::Pass: return kPass;
         case Act::Move: moveCamera(static_cast<int32_t>(command.a), movementState().walkMode); return kSwallow;
         case Act::ZoomIn:
-            // In the cockpit the simulator keeps its own zoom.
+            // In the cockpit the simulator keeps its own zoom. Outside, one press zooms
+            // one step, in its begin phase, like a turn key.
             if (!camera->external) return kPass;
-            camera->currentZoom += command.a;
+            if (phase == xplm_CommandBegin) camera->currentZoom += command.a;
             return kSwallow;
         case Act::ZoomOut:
             if (!camera->external) return kPass;
-            camera->currentZoom -= command.a;
+            if (phase == xplm_CommandBegin) camera->currentZoom -= command.a;
             if (camera->currentZoom < 1.0f) camera->currentZoom = 1.0f;
             return kSwallow;
         case Act::QuickLookStore:
