@@ -132,13 +132,40 @@ TEST_F(MovementTest, AnglesWrapAndTheRangeStops) {
     EXPECT_EQ(current().initialMovementRange, 0);
 }
 
-TEST_F(MovementTest, MovementEndsATransitionWithoutMoving) {
+TEST_F(MovementTest, MovementEndsATransitionWhereTheViewStandsAndMovesFromThere) {
     cam(1).smoothTransition = true;
     transitionState().transitionHead = buildTransition(&cam(1), &cam(0));
+    CameraPose shown;
+    shown.x = 0.5f;
+    shown.y = 1.0f;
+    shown.z = 0.25f;
+    shown.heading = 0.0f;
+    frameDriver().shownPose = shown;
+    const float step = movementStep();
     moveCamera(moveForward, false);
     EXPECT_FALSE(transitionRunning());
     applyMovementRates(&current());
-    EXPECT_EQ(current().z, 0.0f);
+    EXPECT_FLOAT_EQ(current().x, 0.5f);
+    EXPECT_FLOAT_EQ(current().y, 1.0f);
+    EXPECT_NEAR(current().z, 0.25f - step, 1e-6);
+}
+
+TEST_F(MovementTest, AKeyPressedAndReleasedBeforeAFrameStillMovesOneStep) {
+    const float z = current().z;
+    const float step = movementStep();
+    moveCamera(moveForward, false);
+    endHeldMotion();
+    applyMovementRates(&current());
+    EXPECT_NEAR(current().z, z - step, 1e-6);
+    // Spent: the next frame doesn't move again.
+    applyMovementRates(&current());
+    EXPECT_NEAR(current().z, z - step, 1e-6);
+    // Released after a frame applied the step: the rates are cleared at once.
+    moveCamera(moveForward, true);
+    applyMovementRates(&current());
+    endHeldMotion();
+    applyMovementRates(&current());
+    EXPECT_NEAR(current().z, z - 2 * step, 1e-6);
 }
 
 TEST_F(MovementTest, PansTurnOrOrbit) {

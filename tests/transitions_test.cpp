@@ -128,19 +128,18 @@ TEST_F(TransitionsTest, DelayHoldsTheViewThenMoves) {
     transitionState().transitionHead = buildTransition(&cam(0), &cam(1));
 
     FrameDriver& d = frameDriver();
-    d.framePose = cameraPose(&cam(0));  // the last pose of the old camera
+    d.shownPose = cameraPose(&cam(0));  // the last pose of the old camera
     Camera* current = &cam(1);
-    for (int i = 0; i < 5; ++i) {
+    // Frames of a tenth of a second: the delay counts the simulator's time, so it
+    // holds exactly thirty of them.
+    int held = 0;
+    for (; held < 100 && transitionLength(transitionState().transitionHead) == 4; ++held) {
+        advanceSimulatorClock(0.1f);
         stepTransition(current);
-        EXPECT_FLOAT_EQ(d.framePose.x, 1.0f);
+        if (transitionLength(transitionState().transitionHead) == 4) EXPECT_FLOAT_EQ(d.framePose.x, 1.0f);
+        if (held == 4) EXPECT_NEAR(delaySecondsLeft(), 2.6f, 1e-3);
     }
-    EXPECT_GT(delaySecondsLeft(), 2.5f);
-    EXPECT_EQ(transitionLength(transitionState().transitionHead), 4);
-
-    // The three seconds are over (0 would mean no delay at all).
-    int64_t past = monotonicMilliseconds() - 1000;
-    transitionState().delayEndTime = past == 0 ? -1 : past;
-    stepTransition(current);
+    EXPECT_EQ(held, 31);  // 30 held, then the head frame in the frame the delay ran out
     EXPECT_EQ(transitionState().delayEndTime, 0);
     EXPECT_FLOAT_EQ(d.framePose.x, 1.0f);
     std::vector<float> seen;
@@ -148,7 +147,7 @@ TEST_F(TransitionsTest, DelayHoldsTheViewThenMoves) {
         stepTransition(current);
         seen.push_back(d.framePose.x);
     }
-    EXPECT_EQ(seen, (std::vector<float>{1, 2, 3, 4}));
+    EXPECT_EQ(seen, (std::vector<float>{2, 3, 4}));
 }
 
 TEST_F(TransitionsTest, ChainMovesTheSelectionAlong) {
@@ -249,7 +248,7 @@ TEST_F(TransitionsTest, BezierFollowsDeCasteljau) {
     EXPECT_EQ(buildBezierTransition(&cam(0), &cam(1)), nullptr);
 }
 
-TEST_F(TransitionsTest, CornersAreRoundedOnlyWhenBothSidesAreLongEnough) {
+TEST_F(TransitionsTest, CornersAreRoundedOverAtMostHalfOfEitherLeg) {
     settings().SMOOTH_WINDOW = 60;  // half 30
     buildCategory(3);
     place(cam(0), 0, 0, 0);
@@ -266,8 +265,9 @@ TEST_F(TransitionsTest, CornersAreRoundedOnlyWhenBothSidesAreLongEnough) {
     ASSERT_EQ(sharp.size(), round.size());
     const int corner = 40;  // the last frame of the first leg stands at camera 1
     EXPECT_FLOAT_EQ(sharp[corner].x, 100.0f);
+    // Legs of 40 frames narrow the window of 60 to 20 frames each side.
     for (int i = 0; i < int(sharp.size()); ++i) {
-        bool inside = i > corner - 30 && i < corner + 30;
+        bool inside = i > corner - 20 && i < corner + 20;
         if (!inside) {
             EXPECT_NEAR(round[i].x, sharp[i].x, 1e-3) << i;
             EXPECT_NEAR(round[i].z, sharp[i].z, 1e-3) << i;
@@ -277,8 +277,8 @@ TEST_F(TransitionsTest, CornersAreRoundedOnlyWhenBothSidesAreLongEnough) {
     EXPECT_LT(round[corner].x, 99.0f);
     EXPECT_LT(round[corner].z, -1.0f);
 
-    // Legs of 30 frames on one side are too short for a window of 60.
-    cam(1).linearTransitionFrames = 30;
+    // A leg of 18 frames leaves less than a Bezier leg's ten frames: no rounding.
+    cam(1).linearTransitionFrames = 18;
     std::vector<CameraPose> shortSharp;
     cam(1).smoothCameraJoins = false;
     shortSharp = poses(build(cam(0), cam(1)));
