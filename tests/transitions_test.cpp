@@ -150,6 +150,23 @@ TEST_F(TransitionsTest, DelayHoldsTheViewThenMoves) {
     EXPECT_EQ(seen, (std::vector<float>{2, 3, 4}));
 }
 
+// Control of the simulator's camera turns stale after half a second of the
+// simulator's time without a camera callback: fifteen frames at 30 a second are not
+// yet too long, the sixteenth is.
+TEST_F(TransitionsTest, StaleControlCountsTheSimulatorsTime) {
+    FrameDriver& d = frameDriver();
+    d.cameraControlled = true;
+    d.lastCallbackTime = simulatorSeconds();
+    for (int frame = 0; frame < 15; ++frame) {
+        advanceSimulatorClock(1.0f / 30.0f);
+        EXPECT_FALSE(cameraControlStale()) << frame;
+    }
+    advanceSimulatorClock(1.0f / 30.0f);
+    EXPECT_TRUE(cameraControlStale());
+    d.cameraControlled = false;
+    EXPECT_FALSE(cameraControlStale());
+}
+
 TEST_F(TransitionsTest, ChainMovesTheSelectionAlong) {
     buildCategory(3);
     for (int i = 1; i < 3; ++i) {
