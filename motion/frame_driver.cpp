@@ -14,7 +14,7 @@
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "shell/host_interface.h"
-#include "shell/pending_actions.h"
+#include "airports/airport_files.h"
 
 namespace {
 
