@@ -139,7 +139,7 @@ protected:
         std::ofstream(work / "feel.scn") << before << "aircraft " << (work / "Aircraft/Feel/Feel.acf").string()
                                          << "\n" << scenario;
         std::string command = std::string("'") + VISTARIG_SIM_PATH + "' '" + (work / "feel.scn").string() +
-                              "' --work '" + work.string() + "'";
+                              "' --work '" + work.string() + "' --no-draw";
         if (const char* xpl = std::getenv("VISTARIG_TEST_XPL")) command += std::string(" --xpl '") + xpl + "'";
         command += " 2>&1";
         Flight run;
