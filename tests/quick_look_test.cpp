@@ -39,7 +39,7 @@ TEST_F(QuickLookTest, ANewFileOffersTheImportAndTheImportMakesAndSavesTheCameras
     size_t boxes = queuedMessageBoxes().size();
     loadCameraFile(nullptr);
     ASSERT_EQ(queuedMessageBoxes().size(), boxes + 1);
-    const MessageBoxRequest& offer = queuedMessageBoxes().back();
+    const MessageBoxRequest offer = queuedMessageBoxes().back();
     EXPECT_NE(offer.text.find("Press OK to import the Quick Look Views."), std::string::npos);
     ASSERT_TRUE(offer.callback);
 
