@@ -136,8 +136,12 @@ TEST_F(TransitionsTest, DelayHoldsTheViewThenMoves) {
     for (; held < 100 && transitionLength(transitionState().transitionHead) == 4; ++held) {
         advanceSimulatorClock(0.1f);
         stepTransition(current);
-        if (transitionLength(transitionState().transitionHead) == 4) EXPECT_FLOAT_EQ(d.framePose.x, 1.0f);
-        if (held == 4) EXPECT_NEAR(delaySecondsLeft(), 2.6f, 1e-3);
+        if (transitionLength(transitionState().transitionHead) == 4) {
+            EXPECT_FLOAT_EQ(d.framePose.x, 1.0f);
+        }
+        if (held == 4) {
+            EXPECT_NEAR(delaySecondsLeft(), 2.6f, 1e-3);
+        }
     }
     EXPECT_EQ(held, 31);  // 30 held, then the head frame in the frame the delay ran out
     EXPECT_EQ(transitionState().delayEndTime, 0);
