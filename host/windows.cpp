@@ -182,24 +182,24 @@ void loadMatrices(const float* modelView, const float* projection, const int* vi
     glLoadMatrixf(modelView);
 }
 
-// Boxels to pixels in the modelview, a pixel ortho in the projection: the split
-// X-Plane uses, so that a plug-in that goes through both matrices sees any scale.
+// A plain modelview and a projection that maps the area's global boxels onto a
+// viewport in pixels: the boxel-to-pixel scale lives in the projection, as in
+// X-Plane's window pass. A plug-in that flips and moves the projection by its
+// window's boxels (the usual way to draw ImGui in a simulator window) depends on
+// this split; with the scale in the modelview its drawing slid off its window at
+// any scale but 1.
 void screenMatrices(float modelView[16], float projection[16], int viewport[4], const MonitorBounds& area,
                     int pixelWidth, int pixelHeight) {
     std::memset(modelView, 0, 16 * sizeof(float));
     std::memset(projection, 0, 16 * sizeof(float));
-    const float s = state().scale;
-    modelView[0] = s;
-    modelView[5] = s;
-    modelView[10] = 1;
-    modelView[12] = -static_cast<float>(area.left) * s;
-    modelView[13] = -static_cast<float>(area.bottom) * s;
-    modelView[15] = 1;
-    projection[0] = 2.0f / static_cast<float>(pixelWidth);
-    projection[5] = 2.0f / static_cast<float>(pixelHeight);
+    modelView[0] = modelView[5] = modelView[10] = modelView[15] = 1;
+    const float width = static_cast<float>(area.right - area.left);
+    const float height = static_cast<float>(area.top - area.bottom);
+    projection[0] = 2.0f / width;
+    projection[5] = 2.0f / height;
     projection[10] = -1;
-    projection[12] = -1;
-    projection[13] = -1;
+    projection[12] = -static_cast<float>(area.right + area.left) / width;
+    projection[13] = -static_cast<float>(area.top + area.bottom) / height;
     projection[15] = 1;
     viewport[0] = 0;
     viewport[1] = 0;

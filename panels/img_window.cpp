@@ -176,6 +176,9 @@ void ImgWindow::BuildFrame() {
     ImGuiIO& io = ImGui::GetIO();
     if (firstFrame) BuildFontTexture();
     deliverOneKey(keyQueue, io);
+    // The cursor callback comes only while the pointer is over the window: its
+    // absence is how the window learns that the pointer has gone.
+    forgetAbsentPointer(io, pointerSeen);
 
     XPLMGetWindowGeometry(windowId, &left, &top, &right, &bottom);
     const float width = static_cast<float>(right - left), height = static_cast<float>(top - bottom);
@@ -268,6 +271,7 @@ void ImgWindow::RenderFrame() {
 void ImgWindow::MouseEvent(int x, int y, XPLMMouseStatus status, int button) {
     ImGui::SetCurrentContext(context);
     ImGuiIO& io = ImGui::GetIO();
+    pointerSeen = true;
     globalToImGui(WindowBox{left, top, right, bottom}, x, y, io.MousePos.x, io.MousePos.y);
     applyMouseStatus(io, status, button, pendingRelease);
 }
@@ -297,6 +301,7 @@ XPLMCursorStatus ImgWindow::CursorCallback(XPLMWindowID, int x, int y, void* ref
     if (window->context) {
         ImGui::SetCurrentContext(window->context);
         ImGuiIO& io = ImGui::GetIO();
+        window->pointerSeen = true;
         globalToImGui(WindowBox{window->left, window->top, window->right, window->bottom}, x, y, io.MousePos.x,
                       io.MousePos.y);
     }
@@ -308,6 +313,7 @@ int ImgWindow::WheelCallback(XPLMWindowID, int x, int y, int wheel, int clicks, 
     if (!window->context) return 1;
     ImGui::SetCurrentContext(window->context);
     ImGuiIO& io = ImGui::GetIO();
+    window->pointerSeen = true;
     globalToImGui(WindowBox{window->left, window->top, window->right, window->bottom}, x, y, io.MousePos.x,
                   io.MousePos.y);
     if (wheel == 0)

@@ -63,6 +63,7 @@ protected:
     int decoration = 0;
     int windowFlags = 35;  // no title bar, no resize, no collapse
     bool isOpen = true;
+    bool pointerSeen = false;  // a pointer callback came since the last frame
 
 private:
     void BuildFontTexture();

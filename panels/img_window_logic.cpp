@@ -45,6 +45,13 @@ void finishPendingRelease(ImGuiIO& io, int& pendingRelease) {
     pendingRelease = -1;
 }
 
+void forgetAbsentPointer(ImGuiIO& io, bool& pointerSeen) {
+    bool held = false;
+    for (bool down : io.MouseDown) held = held || down;
+    if (!pointerSeen && !held) io.MousePos = ImVec2(noMousePosition, noMousePosition);
+    pointerSeen = false;
+}
+
 void clearAllKeys(ImGuiIO& io) {
     for (bool& down : io.KeysDown) down = false;
 }

@@ -39,6 +39,11 @@ void globalToImGui(const WindowBox& box, int x, int y, float& outX, float& outY)
 void applyMouseStatus(ImGuiIO& io, int status, int button, int& pendingRelease);
 // After a frame has been rendered.
 void finishPendingRelease(ImGuiIO& io, int& pendingRelease);
+// At the start of a frame: a window that heard nothing of the pointer since its last
+// frame (no cursor, click or wheel callback) no longer has it, so ImGui must not
+// keep hovering the last item; a held button keeps the position for the drag.
+// Clears `pointerSeen` for the next frame.
+void forgetAbsentPointer(ImGuiIO& io, bool& pointerSeen);
 // Giving the keyboard back: no key may stay down.
 void clearAllKeys(ImGuiIO& io);
 

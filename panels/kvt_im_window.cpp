@@ -67,6 +67,20 @@ void KvtImWindow::PlaceOnPrimaryMonitor() {
     XPLMSetWindowGeometry(windowId, newLeft, newTop, newLeft + width, newTop - height);
 }
 
+bool KvtImWindow::RestorePosition(const WindowPosition& saved) {
+    if ((saved.kind == 1 || saved.kind == 2) && IsPositionOnMonitor(saved)) {
+        if (saved.kind == 2) {
+            XPLMSetWindowPositioningMode(windowId, xplm_WindowPopOut, -1);
+            XPLMSetWindowGeometryOS(windowId, saved.left, saved.top, saved.right, saved.bottom);
+        } else {
+            XPLMSetWindowGeometry(windowId, saved.left, saved.top, saved.right, saved.bottom);
+        }
+        return true;
+    }
+    PlaceOnPrimaryMonitor();
+    return false;
+}
+
 void KvtImWindow::GetWindowSize(int& width, int& height) const {
     int l = 0, t = 0, r = 0, b = 0;
     if (XPLMWindowIsPoppedOut(windowId))

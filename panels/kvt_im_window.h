@@ -21,6 +21,10 @@ public:
     // Horizontally centred, 100 boxels below the top of the monitor that shows the
     // view straight ahead; the middle of the desktop if that monitor is unknown.
     void PlaceOnPrimaryMonitor();
+    // Back to a saved place (kind 1 inside the simulator, 2 popped out) when its
+    // title bar is still on a monitor; otherwise, and for any other kind, onto the
+    // primary monitor by PlaceOnPrimaryMonitor. True when the saved place was used.
+    bool RestorePosition(const WindowPosition& saved);
     // In OS pixels while popped out, else in boxels. The top left corner stays.
     void GetWindowSize(int& width, int& height) const;
     void SetWindowSize(int width, int height);

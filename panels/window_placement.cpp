@@ -120,9 +120,14 @@ void addMonitor(MonitorTable& table, int monitorIndex, int left, int top, int ri
     ++table.count;
 }
 
-bool cornerOnMonitor(const MonitorTable& table, int left, int top) {
+bool titleBarOnMonitor(const MonitorTable& table, int left, int top) {
+    // Not only the top left corner's left and top edges: a corner right of or below
+    // every monitor passed that test and left a panel nobody could see or grab. The
+    // start of the title bar, a grip of titleBarGrip each way, must be on a monitor.
     for (int i = 0; i < table.count && i < maxMonitors; ++i)
-        if (left >= table.left[i] && top <= table.top[i]) return true;
+        if (left >= table.left[i] && left + titleBarGrip <= table.right[i] && top <= table.top[i] &&
+            top - titleBarGrip >= table.bottom[i])
+            return true;
     return false;
 }
 
@@ -150,7 +155,7 @@ bool IsPositionOnMonitor(const WindowPosition& position) {
         case 3: FillGlobalMonitors(table); break;
         default: return false;
     }
-    return cornerOnMonitor(table, position.left, position.top);
+    return titleBarOnMonitor(table, position.left, position.top);
 }
 
 const PrimaryMonitor& refreshPrimaryMonitor() {

@@ -46,11 +46,16 @@ PrfChoice parseWindowPositions(std::FILE* file);
 
 // One monitor from the simulator's enumeration; the table keeps the first 15.
 void addMonitor(MonitorTable& table, int monitorIndex, int left, int top, int right, int bottom);
-// Only the top left corner is tested: the rest of a window may overhang.
-bool cornerOnMonitor(const MonitorTable& table, int left, int top);
+// Whether a window whose top left corner stands at (left, top) can be seen and
+// grabbed: the first titleBarGrip units of its title bar lie on one monitor. The
+// rest of the window may overhang.
+constexpr int titleBarGrip = 30;
+bool titleBarOnMonitor(const MonitorTable& table, int left, int top);
 
 void FillGlobalMonitors(MonitorTable& table);
 void FillOsMonitors(MonitorTable& table);
+// False also for a kind this build cannot show; the panel then opens on the primary
+// monitor (KvtImWindow::RestorePosition).
 bool IsPositionOnMonitor(const WindowPosition& position);
 
 // Re-reads the preference file only when its modification time has changed.

@@ -4,6 +4,7 @@
 #include <GL/gl.h>
 #include <imgui.h>
 
+#include <cfloat>
 #include <cstring>
 #include <thread>
 
@@ -120,6 +121,63 @@ TEST_F(HostWindowsTest, ScissorIsRightAtDrawScaleOneAndAHalf) {
     XPLMGetDatavi(XPLMFindDataRef("sim/graphics/view/viewport"), vp, 0, 4);
     EXPECT_EQ(vp[2], 2880);
     EXPECT_EQ(vp[3], 1620);
+}
+
+class HoverPanel : public KvtImWindow {
+public:
+    HoverPanel(int left, int top, int right, int bottom) : KvtImWindow(left, top, right, bottom, 0) {
+        SetTitle("Hover");
+    }
+    void ConfigureContext() override {}
+    void BuildContents() override {
+        ImGui::Button("Hovered?", ImVec2(200, 60));
+        hovered = ImGui::IsItemHovered();
+        mouse = ImGui::GetIO().MousePos;
+    }
+    bool hovered = false;
+    ImVec2 mouse;
+};
+
+TEST_F(HostWindowsTest, PointerLeavingAPanelTakesItsHoverAway) {
+    HoverPanel panel(100, 600, 400, 400);
+    panel.Init();
+    panel.SetVisible(true);
+    xphost::mouseMove(150, 570);  // over the button
+    xphost::runFrames(2);
+    ASSERT_TRUE(panel.hovered);
+
+    // Out onto the bare screen: no window says a word to the panel any more.
+    xphost::mouseMove(800, 800);
+    xphost::runFrames(1);
+    EXPECT_FALSE(panel.hovered);
+    EXPECT_EQ(panel.mouse.x, -FLT_MAX);
+    EXPECT_EQ(panel.mouse.y, -FLT_MAX);
+
+    // Back, then a window in front of the button takes the pointer.
+    xphost::mouseMove(150, 570);
+    xphost::runFrames(1);
+    ASSERT_TRUE(panel.hovered);
+    HoverPanel front(120, 590, 300, 500);
+    front.Init();
+    front.SetVisible(true);
+    xphost::runFrames(2);
+    EXPECT_FALSE(panel.hovered) << "the pointer is over the window in front";
+    EXPECT_TRUE(front.hovered);
+
+    // A press on the button keeps the pointer while it is dragged off: the drag
+    // events still come to the panel, outside its window as no mouse.
+    front.SetVisible(false);
+    xphost::runFrames(1);
+    ASSERT_TRUE(panel.hovered);
+    xphost::mouseButton(0, xplm_MouseDown, 150, 570);
+    xphost::runFrames(1);
+    EXPECT_TRUE(ImGui::IsMouseDown(0));
+    xphost::mouseMove(160, 575);
+    xphost::runFrames(1);
+    EXPECT_EQ(panel.mouse.x, 60.0f) << "the drag event's place, not the absence";
+    xphost::mouseButton(0, xplm_MouseUp, 800, 800);
+    xphost::runFrames(2);
+    EXPECT_FALSE(panel.hovered);
 }
 
 int fullScreenWheel = 0, fullScreenRight = 0, fullScreenLeft = 0;

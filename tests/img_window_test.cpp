@@ -105,14 +105,13 @@ TEST(ImgWindowCoordinates, GlobalToWindowAndOutsideIsNoMouse) {
     EXPECT_EQ(y, noMousePosition);
 }
 
-// The simulator's 2D matrices at a user interface scale: boxels to pixels in the
-// modelview, a pixel ortho in the projection.
+// The simulator's 2D matrices at a user interface scale: a plain modelview and a
+// projection from global boxels onto the viewport's pixels.
 void scaledMatrices(float scale, int width, int height, float mv[16], float proj[16], int vp[4]) {
     for (int i = 0; i < 16; ++i) mv[i] = proj[i] = 0;
-    mv[0] = mv[5] = scale;
-    mv[10] = mv[15] = 1;
-    proj[0] = 2.0f / static_cast<float>(width);
-    proj[5] = 2.0f / static_cast<float>(height);
+    mv[0] = mv[5] = mv[10] = mv[15] = 1;
+    proj[0] = 2.0f * scale / static_cast<float>(width);
+    proj[5] = 2.0f * scale / static_cast<float>(height);
     proj[10] = -1;
     proj[12] = proj[13] = -1;
     proj[15] = 1;

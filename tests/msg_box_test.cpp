@@ -111,10 +111,15 @@ TEST_F(MessageBoxTest, ScreenshotShowsTextAndButtonsAndBoxFitsItsLines) {
     xphost::runFrames(3);
     const xphost::WindowInfo box = boxWindow("Camera file");
 
-    // Two lines of Roboto 18 plus 100 boxels.
+    // Two lines of Roboto 18, three empty lines, the buttons, the spacing between
+    // the five rows and the padding round them.
     ImGui::SetCurrentContext(openMessageBox(0)->GetContext());
     const float lineHeight = ImGui::GetFontSize();
-    EXPECT_NEAR(box.top - box.bottom, 2 * lineHeight + 100, 2);
+    const ImGuiStyle& style = ImGui::GetStyle();
+    EXPECT_NEAR(box.top - box.bottom,
+                5 * lineHeight + (lineHeight + 2 * style.FramePadding.y) + 4 * style.ItemSpacing.y +
+                    2 * style.WindowPadding.y,
+                4);
     EXPECT_GT(box.right - box.left, 200);
 
     // VISTARIG_SCREENSHOT_DIR keeps the picture for a look by eye.

@@ -57,7 +57,7 @@ TEST(WindowPositionsFile, SmallestAbsoluteOffsetWinsAndStrayLinesAreIgnored) {
     EXPECT_FALSE(parseText("").found);
 }
 
-TEST(MonitorTables, KeepFifteenAndTestOnlyTheTopLeftCorner) {
+TEST(MonitorTables, KeepFifteenAndWantTheStartOfTheTitleBarOnOneMonitor) {
     MonitorTable dense;
     dense.dense = true;
     for (int i = 0; i < 20; ++i) addMonitor(dense, 100 + i, i * 100, 1000, i * 100 + 100, 0);
@@ -68,13 +68,19 @@ TEST(MonitorTables, KeepFifteenAndTestOnlyTheTopLeftCorner) {
     addMonitor(sparse, 3, -1920, 1080, 0, 0);
     EXPECT_EQ(sparse.count, 1);
     EXPECT_EQ(sparse.left[3], -1920);
-    EXPECT_FALSE(cornerOnMonitor(sparse, -100, 500)) << "the entry stands at index 3, beyond count";
+    EXPECT_FALSE(titleBarOnMonitor(sparse, -100, 500)) << "the entry stands at index 3, beyond count";
 
     MonitorTable one;
     addMonitor(one, 0, 0, 1080, 1920, 0);
-    EXPECT_TRUE(cornerOnMonitor(one, 1900, 1080)) << "the rest may overhang";
-    EXPECT_FALSE(cornerOnMonitor(one, -1, 500));
-    EXPECT_FALSE(cornerOnMonitor(one, 10, 1081));
+    EXPECT_TRUE(titleBarOnMonitor(one, 1890, 1080)) << "the rest may overhang";
+    EXPECT_TRUE(titleBarOnMonitor(one, 0, 30));
+    EXPECT_FALSE(titleBarOnMonitor(one, -1, 500));
+    EXPECT_FALSE(titleBarOnMonitor(one, 10, 1081));
+    // Right of and below the monitor: the old corner test took these.
+    EXPECT_FALSE(titleBarOnMonitor(one, 1891, 1080));
+    EXPECT_FALSE(titleBarOnMonitor(one, 2500, 900));
+    EXPECT_FALSE(titleBarOnMonitor(one, 100, 29));
+    EXPECT_FALSE(titleBarOnMonitor(one, 100, -400));
 }
 
 TEST(TitleBarDrag, MovesThatLeaveTheScreenAreRefused) {
@@ -179,6 +185,36 @@ TEST_F(PlacementTest, SavedPositionsAreTestedAgainstTodaysMonitors) {
     EXPECT_EQ(table.right[0], 1920);
     FillOsMonitors(table);
     EXPECT_EQ(table.count, 1);
+}
+
+TEST_F(PlacementTest, SavedPlaceOnAGoneMonitorComesBackOntoThePrimaryMonitor) {
+    writePrf(twoMonitors("-30", "10"), 3000000);
+    PlacedPanel panel(0, 300, 400, 0, 1);
+    int l = 0, t = 0, r = 0, b = 0;
+    // Still there: the saved place is taken as it is.
+    EXPECT_TRUE(panel.RestorePosition(WindowPosition{1, 2200, 1000, 2600, 700}));
+    XPLMGetWindowGeometry(panel.GetWindowId(), &l, &t, &r, &b);
+    EXPECT_EQ(l, 2200);
+    EXPECT_EQ(t, 1000);
+
+    // The second monitor is unplugged: the same place would be right of every monitor.
+    xphost::setMonitors({{0, 1080, 1920, 0}});
+    writePrf(twoMonitors("10", "-30"), 3000100);
+    EXPECT_FALSE(panel.RestorePosition(WindowPosition{1, 2200, 1000, 2600, 700}));
+    XPLMGetWindowGeometry(panel.GetWindowId(), &l, &t, &r, &b);
+    EXPECT_EQ(t, 1080 - 100) << "100 below the primary monitor's top";
+    EXPECT_EQ(l, 960 - 200) << "centred on it";
+    EXPECT_EQ(r - l, 400) << "its own size, not the saved one";
+    EXPECT_EQ(t - b, 300);
+
+    // A popped-out place below every monitor neither pops the window out.
+    EXPECT_FALSE(panel.RestorePosition(WindowPosition{2, 100, -50, 500, -350}));
+    EXPECT_FALSE(XPLMWindowIsPoppedOut(panel.GetWindowId()));
+    EXPECT_TRUE(panel.RestorePosition(WindowPosition{2, 100, 900, 500, 600}));
+    EXPECT_TRUE(XPLMWindowIsPoppedOut(panel.GetWindowId()));
+    XPLMGetWindowGeometryOS(panel.GetWindowId(), &l, &t, &r, &b);
+    EXPECT_EQ(l, 100);
+    EXPECT_EQ(b, 600);
 }
 
 TEST_F(PlacementTest, PopedOutWindowSizeIsInOsPixelsAndKeepsItsCorner) {
