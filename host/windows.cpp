@@ -18,6 +18,7 @@
 #include "host/host_internal.h"
 #include "host/mouse.h"
 #include "host/scene.h"
+#include "host/title_text.h"
 #include "host/windows.h"
 
 namespace xphost {
@@ -44,6 +45,7 @@ struct Window {
     int drawCount = 0;
     std::vector<uint8_t> popBuffer;
     std::vector<uint8_t> vrBuffer;  // the panel a VR window shows in the headset
+    std::string titleShown;  // what the title bar showed at the last draw
 };
 
 struct DrawCallback {
@@ -55,7 +57,7 @@ struct DrawCallback {
     void* refcon = nullptr;
 };
 
-enum class Capture { none, client, titleBar };
+enum class Capture { none, client, titleBar, resize };
 
 struct WindowState {
     std::map<uintptr_t, Window> windows;
@@ -70,6 +72,7 @@ struct WindowState {
     bool drawing = true;      // off: callbacks run, nothing is drawn
     std::vector<uint8_t> blindPixel;
     int lastDragX = 0, lastDragY = 0;  // title bar drags move by the pointer's steps
+    int resizeFromX = 0, resizeFromY = 0, resizeWidth = 0, resizeHeight = 0;  // a corner drag's start
     std::vector<MonitorBounds> monitors{MonitorBounds{0, 1080, 1920, 0}};
     bool fullScreen = true;
     float scale = 1.0f;
@@ -171,6 +174,26 @@ bool inTitleBar(const Window& w, int x, int y) {
            y < w.top + titleBarHeight;
 }
 bool inCloseBox(const Window& w, int x, int y) { return inTitleBar(w, x, y) && x >= w.right - 26 && x < w.right - 4; }
+// The title bar offers popping out to a decorated floating window that stands free
+// on the screen (not in VR, not held to a monitor by its positioning mode).
+bool canPopOut(const Window& w) {
+    return w.decoration == xplm_WindowDecorationRoundRectangle && w.layer == xplm_WindowLayerFloatingWindows &&
+           w.mode == xplm_WindowPositionFree && !w.inVr && !w.poppedOut;
+}
+bool inPopOutBox(const Window& w, int x, int y) {
+    return canPopOut(w) && inTitleBar(w, x, y) && x >= w.right - 52 && x < w.right - 30;
+}
+// The grip at the bottom right corner of a window the simulator resizes.
+constexpr int resizeGrip = 14;
+bool resizable(const Window& w) {
+    return (w.decoration == xplm_WindowDecorationRoundRectangle ||
+            w.decoration == xplm_WindowDecorationSelfDecoratedResizable) &&
+           w.mode == xplm_WindowPositionFree;
+}
+bool inResizeCorner(const Window& w, int x, int y) {
+    return resizable(w) && x >= w.right - resizeGrip && x < w.right + 3 && y >= w.bottom - 3 &&
+           y < w.bottom + resizeGrip;
+}
 
 void bringToFront(Window& w) { w.order = state().nextOrder++; }
 
@@ -238,10 +261,29 @@ void drawQuad(int left, int top, int right, int bottom, float r, float g, float 
     glEnd();
 }
 
-void drawDecoration(const Window& w) {
+void drawResizeGrip(const Window& w) {
+    glColor4f(0.75f, 0.77f, 0.8f, 1.0f);
+    glBegin(GL_TRIANGLES);
+    glVertex2i(w.right - resizeGrip + 4, w.bottom + 1);
+    glVertex2i(w.right - 1, w.bottom + 1);
+    glVertex2i(w.right - 1, w.bottom + resizeGrip - 4);
+    glEnd();
+}
+
+// Frame, title bar with the title's text, the pop-out and close boxes; the resize
+// grip comes after the window's own drawing, on top of it.
+void drawDecoration(Window& w) {
     if (w.decoration != xplm_WindowDecorationRoundRectangle) return;
     drawQuad(w.left - 2, w.top + titleBarHeight, w.right + 2, w.bottom - 2, 0.16f, 0.17f, 0.19f, 1.0f);
     drawQuad(w.right - 26, w.top + titleBarHeight - 5, w.right - 4, w.top + 5, 0.55f, 0.22f, 0.22f, 1.0f);
+    int textEnd = w.right - 30;
+    if (canPopOut(w)) {
+        drawQuad(w.right - 52, w.top + titleBarHeight - 5, w.right - 30, w.top + 5, 0.25f, 0.4f, 0.6f, 1.0f);
+        drawQuad(w.right - 46, w.top + titleBarHeight - 9, w.right - 36, w.top + 9, 0.16f, 0.17f, 0.19f, 1.0f);
+        textEnd = w.right - 56;
+    }
+    w.titleShown = drawTitleText(w.title, static_cast<float>(w.left + 8), static_cast<float>(w.top + 10),
+                                 static_cast<float>(textEnd - w.left - 8), state().scale);
 }
 
 void callWindowDraw(uintptr_t id, const PassMatrices& m) {
@@ -445,6 +487,9 @@ std::vector<WindowInfo> windows() {
         info.inVr = w.inVr;
         info.hasFocus = state().focus == id;
         info.drawCount = w.drawCount;
+        info.titleShown = w.titleShown;
+        info.canPopOut = canPopOut(w);
+        info.resizable = resizable(w);
         out.push_back(info);
     }
     return out;
@@ -468,6 +513,27 @@ void setDrawing(bool on) {
     state().screenStale = true;
 }
 bool drawing() { return state().drawing; }
+
+bool windowControl(void* id, WindowControl control, int& x, int& y) {
+    const Window* w = lookup(id);
+    if (!w || !onScreen(*w)) return false;
+    const bool titled = w->decoration == xplm_WindowDecorationRoundRectangle;
+    switch (control) {
+        case WindowControl::titleBar:
+            x = (w->left + w->right - 60) / 2, y = w->top + titleBarHeight / 2;
+            return titled;
+        case WindowControl::closeBox:
+            x = w->right - 15, y = w->top + titleBarHeight / 2;
+            return titled;
+        case WindowControl::popOutBox:
+            x = w->right - 41, y = w->top + titleBarHeight / 2;
+            return canPopOut(*w);
+        case WindowControl::resizeCorner:
+            x = w->right - 4, y = w->bottom + 4;
+            return resizable(*w);
+    }
+    return false;
+}
 
 int drawCallbackCount() { return static_cast<int>(state().drawCallbacks.size()); }
 
@@ -509,6 +575,10 @@ void drawScreen() {
                 restoreState(m);
                 drawDecoration(*w);
                 callWindowDraw(id, m);
+                if (Window* still = lookup(toId(id)); still && onScreen(*still) && resizable(*still)) {
+                    restoreState(m);
+                    drawResizeGrip(*still);
+                }
             }
         }
         runDrawCallbacks(phase, 0, m);
@@ -601,6 +671,18 @@ bool routeButton(int button, int status, int x, int y) {
         }
         Window* w = lookup(toId(id));
         if (!w) return true;
+        if (kind == Capture::resize) {
+            // The top left corner stays; the size follows the pointer within the
+            // window's resizing limits.
+            const int width = std::clamp(s.resizeWidth + (x - s.resizeFromX), std::max(w->minWidth, 40),
+                                         std::max(w->maxWidth, 40));
+            const int height = std::clamp(s.resizeHeight - (y - s.resizeFromY), std::max(w->minHeight, 30),
+                                          std::max(w->maxHeight, 30));
+            w->right = w->left + width;
+            w->bottom = w->top - height;
+            syncOsGeometry(*w);
+            return true;
+        }
         if (kind == Capture::titleBar) {
             const int dx = x - s.lastDragX, dy = y - s.lastDragY;
             s.lastDragX = x;
@@ -617,10 +699,26 @@ bool routeButton(int button, int status, int x, int y) {
     for (auto it = order.rbegin(); it != order.rend(); ++it) {
         Window* w = lookup(toId(*it));
         if (!w || !onScreen(*w)) continue;
+        if (inResizeCorner(*w, x, y)) {
+            if (w->layer == xplm_WindowLayerFloatingWindows) bringToFront(*w);
+            s.capture = Capture::resize;
+            s.captured = *it;
+            s.captureButton = button;
+            s.resizeFromX = x, s.resizeFromY = y;
+            s.resizeWidth = w->right - w->left, s.resizeHeight = w->top - w->bottom;
+            return true;
+        }
         if (inTitleBar(*w, x, y)) {
             if (w->layer == xplm_WindowLayerFloatingWindows) bringToFront(*w);
             if (inCloseBox(*w, x, y)) {
                 w->visible = false;  // the simulator's close box hides, it doesn't destroy
+                return true;
+            }
+            if (inPopOutBox(*w, x, y)) {
+                w->mode = xplm_WindowPopOut;
+                w->modeMonitor = -1;
+                w->poppedOut = true;
+                syncOsGeometry(*w);
                 return true;
             }
             s.capture = Capture::titleBar;

@@ -40,6 +40,9 @@ struct WindowInfo {
     bool inVr = false;
     bool hasFocus = false;
     int drawCount = 0;  // times its draw callback ran
+    std::string titleShown;  // the text its title bar showed at the last draw
+    bool canPopOut = false;  // its title bar has the pop-out box
+    bool resizable = false;  // the simulator resizes it by its bottom right corner
 };
 // Back to front, as drawn.
 std::vector<WindowInfo> windows();
@@ -48,6 +51,14 @@ bool findWindow(const std::string& title, WindowInfo& out);
 void closeWindow(void* id);
 // Height of the simulator's title bar over a window of decoration 1.
 constexpr int titleBarHeight = 30;
+// What the simulator gives a user to work a window with. A decorated window has a
+// title bar with its title, the close box and, standing free, the pop-out box; a
+// decorated or self-decorated resizable window has a resize grip at its bottom
+// right corner.
+enum class WindowControl { titleBar, closeBox, popOutBox, resizeCorner };
+// The middle of a control in global boxels, where a click works it; false when the
+// window (visible, on the screen) has no such control.
+bool windowControl(void* id, WindowControl control, int& x, int& y);
 
 // ---------------------------------------------------------------- input (global boxels)
 // Through the host's mouse (host/mouse.h), delivered at once to the window X-Plane

@@ -5,6 +5,7 @@
 #include <imgui.h>
 
 #include <cfloat>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -99,6 +100,9 @@ public:
     }
 };
 
+bool isText(uint32_t rgba) {
+    return (rgba >> 24) > 200 && ((rgba >> 16) & 0xFF) > 200 && ((rgba >> 8) & 0xFF) > 200;
+}
 bool isRed(uint32_t rgba) { return (rgba >> 24) > 240 && ((rgba >> 16) & 0xFF) < 20 && ((rgba >> 8) & 0xFF) < 20; }
 
 TEST_F(HostWindowsTest, ScissorIsRightAtDrawScaleOneAndAHalf) {
@@ -220,22 +224,91 @@ TEST_F(HostWindowsTest, FullScreenWindowEatsWheelAndRightButtonUnderThePanels) {
     XPLMDestroyWindow(input);
 }
 
-TEST_F(HostWindowsTest, TitleBarDragsAndClosesDecoratedWindows) {
+XPLMWindowID plainWindow(int decoration, const char* title) {
     XPLMCreateWindow_t params{};
     params.structSize = sizeof params;
-    params.left = 100, params.top = 500, params.right = 300, params.bottom = 400;
+    params.left = 100, params.top = 500, params.right = 400, params.bottom = 400;
     params.visible = 1;
     params.drawWindowFunc = drawNothing;
-    params.decorateAsFloatingWindow = xplm_WindowDecorationRoundRectangle;
+    params.decorateAsFloatingWindow = decoration;
     params.layer = xplm_WindowLayerFloatingWindows;
     XPLMWindowID id = XPLMCreateWindowEx(&params);
+    XPLMSetWindowTitle(id, title);
+    return id;
+}
+
+TEST_F(HostWindowsTest, DecoratedWindowsShowTheirTitleAndAreMovedResizedPoppedOutAndClosedByTheUser) {
+    XPLMWindowID id = plainWindow(xplm_WindowDecorationRoundRectangle, "Camera Options");
+    xphost::setDrawScale(1.5f);
+    xphost::drawScreen();
+    xphost::WindowInfo info;
+    ASSERT_TRUE(xphost::findWindow("Camera Options", info));
+    EXPECT_EQ(info.titleShown, "Camera Options");
+    int white = 0;  // the title's glyphs, in the title bar at the screen's scale
+    for (int x = 150; x < 450; ++x)
+        for (int y = 755; y < 790; ++y) white += isText(xphost::screenPixel(x, y)) ? 1 : 0;
+    EXPECT_GT(white, 100);
+    if (const char* keep = std::getenv("VISTARIG_SCREENSHOT_DIR")) xphost::screenshot(std::string(keep) + "/title-bar.png");
+
+    // Moved by its title bar.
     xphost::drag(150, 510, 250, 460, 4);
     int l = 0, t = 0, r = 0, b = 0;
     XPLMGetWindowGeometry(id, &l, &t, &r, &b);
     EXPECT_EQ(l, 200);
     EXPECT_EQ(t, 450);
-    xphost::click(r - 10, t + 15);
+
+    // Resized by its corner: the top left stays, the limits hold.
+    XPLMSetWindowResizingLimits(id, 100, 80, 500, 300);
+    int x = 0, y = 0;
+    ASSERT_TRUE(xphost::windowControl(info.id, xphost::WindowControl::resizeCorner, x, y));
+    xphost::drag(x, y, x + 50, y - 20, 3);
+    XPLMGetWindowGeometry(id, &l, &t, &r, &b);
+    EXPECT_EQ(l, 200);
+    EXPECT_EQ(t, 450);
+    EXPECT_EQ(r - l, 350);
+    EXPECT_EQ(t - b, 120);
+    xphost::drag(r - 4, b + 4, r - 600, b + 400, 3);
+    XPLMGetWindowGeometry(id, &l, &t, &r, &b);
+    EXPECT_EQ(r - l, 100) << "no narrower than its limit";
+    EXPECT_EQ(t - b, 80);
+
+    // A long title is cut before the buttons.
+    XPLMSetWindowTitle(id, "A title far too long for a window only a hundred boxels wide");
+    xphost::drawScreen();
+    ASSERT_TRUE(xphost::findWindow("A title far too long for a window only a hundred boxels wide", info));
+    EXPECT_LT(info.titleShown.size(), 12u);
+
+    // Popped out by its title bar's box; a popped-out window has none.
+    ASSERT_TRUE(info.canPopOut);
+    ASSERT_TRUE(xphost::windowControl(info.id, xphost::WindowControl::popOutBox, x, y));
+    xphost::click(x, y);
+    EXPECT_TRUE(XPLMWindowIsPoppedOut(id));
+    EXPECT_FALSE(xphost::windowControl(info.id, xphost::WindowControl::popOutBox, x, y));
+    XPLMSetWindowPositioningMode(id, xplm_WindowPositionFree, -1);
+
+    // Closed by its close box: hidden, not destroyed.
+    ASSERT_TRUE(xphost::windowControl(info.id, xphost::WindowControl::closeBox, x, y));
+    xphost::click(x, y);
     EXPECT_FALSE(XPLMGetWindowIsVisible(id));
+    XPLMDestroyWindow(id);
+
+    // Held to a monitor: no pop-out; undecorated: no title bar, no grip; resizable
+    // self-decorated: only the grip.
+    id = plainWindow(xplm_WindowDecorationRoundRectangle, "Centred");
+    XPLMSetWindowPositioningMode(id, xplm_WindowCenterOnMonitor, 0);
+    EXPECT_FALSE(xphost::windowControl(id, xphost::WindowControl::popOutBox, x, y));
+    EXPECT_TRUE(xphost::windowControl(id, xphost::WindowControl::closeBox, x, y));
+    XPLMDestroyWindow(id);
+    id = plainWindow(xplm_WindowDecorationNone, "Bare");
+    EXPECT_FALSE(xphost::windowControl(id, xphost::WindowControl::titleBar, x, y));
+    EXPECT_FALSE(xphost::windowControl(id, xphost::WindowControl::resizeCorner, x, y));
+    XPLMDestroyWindow(id);
+    id = plainWindow(xplm_WindowDecorationSelfDecoratedResizable, "Own frame");
+    EXPECT_FALSE(xphost::windowControl(id, xphost::WindowControl::closeBox, x, y));
+    ASSERT_TRUE(xphost::windowControl(id, xphost::WindowControl::resizeCorner, x, y));
+    xphost::drag(x, y, x + 30, y, 2);
+    XPLMGetWindowGeometry(id, &l, &t, &r, &b);
+    EXPECT_EQ(r - l, 330);
     XPLMDestroyWindow(id);
 }
 

@@ -114,15 +114,65 @@ xphost::ScenarioVerbRegistration expectWindowVerb(
         return std::string();
     });
 
-xphost::ScenarioVerbRegistration closeVerb("close_window", "close_window TITLE   (the simulator's close box)",
-                                           [](ScenarioLine& line) {
-                                               if (line.args.size() != 2) return std::string("usage: close_window TITLE");
-                                               xphost::WindowInfo w;
-                                               if (!xphost::findWindow(line.args[1], w))
-                                                   return "no window \"" + line.args[1] + "\"";
-                                               xphost::closeWindow(w.id);
-                                               return std::string();
-                                           });
+// A window's control, found by the window's title, or the message of the failure.
+std::string findControl(const std::string& title, xphost::WindowControl control, const char* what,
+                        xphost::WindowInfo& w, int& x, int& y) {
+    if (!xphost::findWindow(title, w)) return "no window \"" + title + "\"";
+    if (!xphost::windowControl(w.id, control, x, y)) return "window \"" + title + "\" has no " + what;
+    return "";
+}
+
+xphost::ScenarioVerbRegistration closeVerb(
+    "close_window", "close_window TITLE   (clicks the simulator's close box of a decorated window)",
+    [](ScenarioLine& line) {
+        if (line.args.size() != 2) return std::string("usage: close_window TITLE");
+        xphost::WindowInfo w;
+        int x = 0, y = 0;
+        if (auto e = findControl(line.args[1], xphost::WindowControl::closeBox, "close box", w, x, y); !e.empty())
+            return e;
+        xphost::click(x, y);
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration popOutVerb(
+    "pop_out_window", "pop_out_window TITLE   (clicks the pop-out box of a decorated window that stands free)",
+    [](ScenarioLine& line) {
+        if (line.args.size() != 2) return std::string("usage: pop_out_window TITLE");
+        xphost::WindowInfo w;
+        int x = 0, y = 0;
+        if (auto e = findControl(line.args[1], xphost::WindowControl::popOutBox, "pop-out box", w, x, y); !e.empty())
+            return e;
+        xphost::click(x, y);
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration resizeVerb(
+    "resize_window", "resize_window TITLE WIDTH HEIGHT   (drags the bottom right corner; the top left stays)",
+    [](ScenarioLine& line) {
+        std::vector<int> v;
+        if (line.args.size() != 4) return std::string("usage: resize_window TITLE WIDTH HEIGHT");
+        if (auto e = ints(line, 2, 2, v); !e.empty()) return e;
+        xphost::WindowInfo w;
+        int x = 0, y = 0;
+        if (auto e = findControl(line.args[1], xphost::WindowControl::resizeCorner, "resize corner", w, x, y);
+            !e.empty())
+            return e;
+        xphost::drag(x, y, x + v[0] - (w.right - w.left), y - (v[1] - (w.top - w.bottom)), 4);
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration titleBarVerb(
+    "expect_title_bar", "expect_title_bar TITLE   (the window's title bar shows its title, whole)",
+    [](ScenarioLine& line) {
+        if (line.args.size() != 2) return std::string("usage: expect_title_bar TITLE");
+        xphost::WindowInfo w;
+        int x = 0, y = 0;
+        if (auto e = findControl(line.args[1], xphost::WindowControl::titleBar, "title bar", w, x, y); !e.empty())
+            return e;
+        if (w.titleShown != w.title) return "the title bar shows \"" + w.titleShown + "\"";
+        *line.out << "ok title bar \"" << w.titleShown << "\"\n";
+        return std::string();
+    });
 
 xphost::ScenarioVerbRegistration monitorsVerb(
     "monitors", "monitors L T R B [L T R B ...]   (global boxels; the first is the main monitor)", [](ScenarioLine& line) {
