@@ -1,9 +1,9 @@
 // Scenario verbs for the plug-in's files: save and reload the camera set through the
 // plug-in's own commands, and look into what landed on disk.
-//   save-cameras                       KVT/Vistarig/Save_All_Cameras
-//   reload-cameras                     KVT/Vistarig/Restore_All_Cameras
-//   expect-file-contains <path> <text> the file (relative to the X-Plane folder) holds text
-//   expect-file-missing <path>         no such file
+//   save_cameras                       KVT/Vistarig/Save_All_Cameras
+//   reload_cameras                     KVT/Vistarig/Restore_All_Cameras
+//   expect_file_contains <path> <text> the file (relative to the X-Plane folder) holds text
+//   expect_file_missing <path>         no such file
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -23,17 +23,17 @@ std::string fullPath(const std::string& path) {
     return !path.empty() && path[0] == '/' ? path : xphost::root() + path;
 }
 
-xphost::ScenarioVerbRegistration saveVerb("save-cameras", "save-cameras", [](xphost::ScenarioLine&) {
+xphost::ScenarioVerbRegistration saveVerb("save_cameras", "save_cameras", [](xphost::ScenarioLine&) {
     return runPluginCommand("KVT/Vistarig/Save_All_Cameras");
 });
 
-xphost::ScenarioVerbRegistration reloadVerb("reload-cameras", "reload-cameras", [](xphost::ScenarioLine&) {
+xphost::ScenarioVerbRegistration reloadVerb("reload_cameras", "reload_cameras", [](xphost::ScenarioLine&) {
     return runPluginCommand("KVT/Vistarig/Restore_All_Cameras");
 });
 
 xphost::ScenarioVerbRegistration containsVerb(
-    "expect-file-contains", "expect-file-contains <path> <text...>", [](xphost::ScenarioLine& line) -> std::string {
-        if (line.args.size() < 3) return "usage: expect-file-contains <path> <text...>";
+    "expect_file_contains", "expect_file_contains <path> <text...>", [](xphost::ScenarioLine& line) -> std::string {
+        if (line.args.size() < 3) return "usage: expect_file_contains <path> <text...>";
         std::string text = line.args[2];
         for (size_t i = 3; i < line.args.size(); ++i) text += " " + line.args[i];
         std::ifstream file(fullPath(line.args[1]), std::ios::binary);
@@ -46,8 +46,8 @@ xphost::ScenarioVerbRegistration containsVerb(
     });
 
 xphost::ScenarioVerbRegistration missingVerb(
-    "expect-file-missing", "expect-file-missing <path>", [](xphost::ScenarioLine& line) -> std::string {
-        if (line.args.size() != 2) return "usage: expect-file-missing <path>";
+    "expect_file_missing", "expect_file_missing <path>", [](xphost::ScenarioLine& line) -> std::string {
+        if (line.args.size() != 2) return "usage: expect_file_missing <path>";
         std::ifstream file(fullPath(line.args[1]));
         if (file) return line.args[1] + " exists";
         if (line.out) *line.out << "ok " << line.args[1] << " is missing\n";

@@ -24,7 +24,7 @@ std::string numbers(const xphost::ScenarioLine& line, size_t first, size_t wante
 }
 
 xphost::ScenarioVerbRegistration mapped(
-    "joystick-mapped", "joystick-mapped <function index> <value> [available 0|1]: a mapped axis (41 view heading)",
+    "joystick_mapped", "joystick_mapped <function index> <value> [available 0|1]: a mapped axis (41 view heading)",
     [](xphost::ScenarioLine& line) {
         std::vector<double> v;
         std::string error = numbers(line, 1, 2, 1, v);
@@ -34,8 +34,8 @@ xphost::ScenarioVerbRegistration mapped(
     });
 
 xphost::ScenarioVerbRegistration raw(
-    "joystick-raw",
-    "joystick-raw <position> <assignment code> <value> [minimum maximum reverse]: a hardware axis (code 44..46 camera)",
+    "joystick_raw",
+    "joystick_raw <position> <assignment code> <value> [minimum maximum reverse]: a hardware axis (code 44..46 camera)",
     [](xphost::ScenarioLine& line) {
         std::vector<double> v;
         std::string error = numbers(line, 1, 3, 3, v);
@@ -49,7 +49,7 @@ xphost::ScenarioVerbRegistration raw(
         return std::string();
     });
 
-xphost::ScenarioVerbRegistration rawMove("joystick-move", "joystick-move <position> <value>: moves a hardware axis",
+xphost::ScenarioVerbRegistration rawMove("joystick_move", "joystick_move <position> <value>: moves a hardware axis",
                                          [](xphost::ScenarioLine& line) {
                                              std::vector<double> v;
                                              std::string error = numbers(line, 1, 2, 0, v);
@@ -73,7 +73,7 @@ xphost::ScenarioVerbRegistration headShake(
     });
 
 xphost::ScenarioVerbRegistration xpRealistic(
-    "xp-realistic", "xp-realistic <x y z pitch heading roll>: installs XP-Realistic writing these offsets each frame",
+    "xp_realistic", "xp_realistic <x y z pitch heading roll>: installs XP-Realistic writing these offsets each frame",
     [](xphost::ScenarioLine& line) {
         std::vector<double> v;
         std::string error = numbers(line, 1, 6, 0, v);
