@@ -161,16 +161,21 @@ TEST_F(HostWindowsTest, PointerLeavingAPanelTakesItsHoverAway) {
     xphost::mouseMove(150, 570);
     xphost::runFrames(1);
     ASSERT_TRUE(panel.hovered);
-    HoverPanel front(120, 590, 300, 500);
-    front.Init();
-    front.SetVisible(true);
+    // A window in front that decides the cursor itself keeps it from the panel.
+    XPLMCreateWindow_t params{};
+    params.structSize = sizeof params;
+    params.left = 120, params.top = 590, params.right = 300, params.bottom = 500;
+    params.visible = 1;
+    params.drawWindowFunc = [](XPLMWindowID, void*) {};
+    params.handleCursorFunc = [](XPLMWindowID, int, int, void*) -> XPLMCursorStatus { return xplm_CursorArrow; };
+    params.handleMouseClickFunc = [](XPLMWindowID, int, int, XPLMMouseStatus, void*) { return 1; };
+    params.layer = xplm_WindowLayerFloatingWindows;
+    XPLMWindowID front = XPLMCreateWindowEx(&params);
     xphost::runFrames(2);
     EXPECT_FALSE(panel.hovered) << "the pointer is over the window in front";
-    EXPECT_TRUE(front.hovered);
 
-    // A press on the button keeps the pointer while it is dragged off: the drag
-    // events still come to the panel, outside its window as no mouse.
-    front.SetVisible(false);
+    // With a button held the drag events keep coming to the panel, and it follows them.
+    XPLMDestroyWindow(front);
     xphost::runFrames(1);
     ASSERT_TRUE(panel.hovered);
     xphost::mouseButton(0, xplm_MouseDown, 150, 570);

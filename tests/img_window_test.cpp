@@ -88,6 +88,22 @@ TEST_F(ImGuiIoTest, ReleaseWaitsForTheEndOfTheFrame) {
     EXPECT_TRUE(io().MouseDown[1]);
 }
 
+TEST_F(ImGuiIoTest, PointerNotHeardOfSinceTheLastFrameIsGoneUnlessAButtonIsHeld) {
+    bool seen = true;
+    io().MousePos = ImVec2(40, 30);
+    forgetAbsentPointer(io(), seen);  // a callback came: the place stands
+    EXPECT_EQ(io().MousePos.x, 40);
+    EXPECT_FALSE(seen) << "cleared for the next frame";
+    forgetAbsentPointer(io(), seen);  // nothing came
+    EXPECT_EQ(io().MousePos.x, noMousePosition);
+    EXPECT_EQ(io().MousePos.y, noMousePosition);
+
+    io().MousePos = ImVec2(40, 30);
+    io().MouseDown[1] = true;  // a held button keeps its drag's place
+    forgetAbsentPointer(io(), seen);
+    EXPECT_EQ(io().MousePos.x, 40);
+}
+
 TEST(ImgWindowCoordinates, GlobalToWindowAndOutsideIsNoMouse) {
     const WindowBox box{100, 500, 400, 300};
     float x = 0, y = 0;
