@@ -143,6 +143,17 @@ TEST_F(MessageBoxTest, ScreenshotShowsTextAndButtonsAndBoxFitsItsLines) {
     EXPECT_EQ(countPixels(outside, isText), 0);
 }
 
+TEST_F(MessageBoxTest, ATallTextKeepsTheBoxAndItsTitleBarOnTheScreen) {
+    std::string text;
+    for (int i = 0; i < 45; ++i) text += "Camera " + std::to_string(i + 1) + " has a duplicate View ID\n";
+    showMessageBox("Tall", text);
+    xphost::runFrames(3);
+    const xphost::WindowInfo box = boxWindow("Tall");
+    EXPECT_LE(box.top + xphost::titleBarHeight, 1080) << "the title bar stays reachable";
+    EXPECT_GE(box.bottom, 0);
+    EXPECT_GT(box.top - box.bottom, 900) << "as tall as the screen allows";
+}
+
 TEST_F(MessageBoxTest, DestroyingTheQueueAtDisableLeavesNothingBehind) {
     showMessageBox("Open", "This box is already open");
     xphost::runFrames(1);
