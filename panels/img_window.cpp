@@ -11,6 +11,7 @@
 #include "XPLMGraphics.h"
 #include "XPLMPlugin.h"
 #include "data/text_io.h"
+#include "panels/ui_hooks.h"
 
 namespace {
 
@@ -189,12 +190,15 @@ void ImgWindow::BuildFrame() {
     io.DisplaySize = ImVec2(width, height);
     io.DisplayFramebufferScale = ImVec2(1, 1);
 
+    uiHooksFrameBegin(context, windowId, left, top);
     ImGui::NewFrame();
     ImGui::SetNextWindowPos(ImVec2(0, 0), ImGuiCond_Always);
     ImGui::SetNextWindowSize(ImVec2(width, height), ImGuiCond_Always);
     ImGui::Begin(title.c_str(), &isOpen, windowFlags);
+    uiHooksWindowBegun();
     BuildContents();
     ImGui::End();
+    uiHooksFrameEnd();
 
     // Hold the keyboard only while an ImGui item wants it, and leave no key stuck
     // down when giving it back.

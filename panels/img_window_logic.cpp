@@ -9,7 +9,8 @@ bool deliverOneKey(std::deque<KeyEvent>& queue, ImGuiIO& io) {
     if (!io.WantCaptureKeyboard) return false;
 
     const bool up = (event.flags & keyFlagUp) != 0;
-    if (!up) io.KeysDown[event.virtualKey] = true;
+    // A key is down from its down event to its up event; a key left down repeats.
+    io.KeysDown[event.virtualKey] = !up;
     io.KeyShift = (event.flags & keyFlagShift) != 0;
     io.KeyAlt = (event.flags & keyFlagOption) != 0;
     io.KeyCtrl = (event.flags & keyFlagControl) != 0;

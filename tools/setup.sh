@@ -21,3 +21,26 @@ if [ ${#missing[@]} -gt 0 ]; then
   DEBIAN_FRONTEND=noninteractive $sudo_cmd apt-get install -y -qq "${missing[@]}" >/dev/null
 fi
 echo "setup: all packages present"
+
+# Dear ImGui 1.86 from Debian's source package: the prebuilt libimgui-dev lacks the
+# item hooks that the panel test driver needs, so CMake compiles these sources itself
+# (IMGUI_SOURCE_DIR). The deb-src entry is signed by the Debian archive keyring.
+imgui_cache="${VISTARIG_CACHE:-$HOME/.cache/vistarig}"
+imgui_dir="$imgui_cache/imgui-1.86+ds"
+if [ ! -f "$imgui_dir/imgui.cpp" ]; then
+  sudo_cmd=""
+  [ "$(id -u)" -ne 0 ] && sudo_cmd="sudo"
+  if ! grep -rqs '^Types: deb-src' /etc/apt/sources.list.d/ && ! grep -qs '^deb-src' /etc/apt/sources.list; then
+    echo "setup: adding a deb-src entry for bookworm"
+    printf '%s\n' 'Types: deb-src' 'URIs: http://deb.debian.org/debian' 'Suites: bookworm' 'Components: main' \
+      'Signed-By: /usr/share/keyrings/debian-archive-keyring.gpg' |
+      $sudo_cmd tee /etc/apt/sources.list.d/vistarig-src.sources >/dev/null
+    $sudo_cmd apt-get update -qq
+  fi
+  dpkg-query -W -f='${Status}' dpkg-dev 2>/dev/null | grep -q "install ok installed" ||
+    DEBIAN_FRONTEND=noninteractive $sudo_cmd apt-get install -y -qq dpkg-dev >/dev/null
+  mkdir -p "$imgui_cache"
+  (cd "$imgui_cache" && apt-get source -qq imgui=1.86+ds-1 >/dev/null)
+  [ -f "$imgui_dir/imgui.cpp" ] || { echo "setup: could not fetch the ImGui sources" >&2; exit 1; }
+fi
+echo "setup: ImGui sources in $imgui_dir"
