@@ -36,11 +36,15 @@ namespace {
 
 // ImGui's item status flags for check marks.
 constexpr int kCheckable = 1 << 22, kChecked = 1 << 23;
+// A click is seen as a press in one frame and a release in the next; what it did (a
+// popup closed, a window hidden) shows in the third.
+constexpr int kClickFrames = 3;
 // Frames a menu path waits for its next part to appear.
 constexpr int kMenuWaitFrames = 5;
 
 struct DriverState {
     std::map<void*, UiFrame> frames;
+    std::map<void*, UiFrame> previous;  // the frame before, to see what still moves
     int received = 0;
 };
 
@@ -82,10 +86,33 @@ bool matches(const UiItem& item, const std::string& query) {
     return item.label == query || (!query.empty() && shownPart(item.label) == query);
 }
 
+// Whether the item stood in the same place in the frame before (a popup that is still
+// being sized and centred moves for a frame or two, and ImGui ignores clicks on it).
+bool settled(const std::string& window, const UiItem& item) {
+    WindowInfo info;
+    if (!findVisibleWindow(window, info).empty()) return false;
+    auto found = driver().previous.find(info.id);
+    if (found == driver().previous.end()) return false;
+    for (const UiItem& before : found->second.items)
+        if (before.id == item.id && before.isWindow == item.isWindow)
+            return before.left == item.left && before.top == item.top && before.right == item.right &&
+                   before.bottom == item.bottom;
+    return false;
+}
+
+// Finds the item once it stands still.
+std::string findSettled(const std::string& window, const std::string& label, UiItem& out) {
+    for (int wait = 0;; ++wait) {
+        if (auto e = uiFind(window, label, out); !e.empty()) return e;
+        if (settled(window, out) || wait == kMenuWaitFrames) return "";
+        runFrames(1);
+    }
+}
+
 std::string clickItem(const UiItem& item, int button) {
     if (!item.visible) return "\"" + item.label + "\" is scrolled or clipped out of view";
     click(item.centreX(), item.centreY(), button);
-    runFrames(2);
+    runFrames(kClickFrames);
     return "";
 }
 
@@ -125,7 +152,7 @@ std::string uiFind(const std::string& window, const std::string& label, UiItem& 
 
 std::string uiClick(const std::string& window, const std::string& label, int button) {
     UiItem item;
-    std::string error = uiFind(window, label, item);
+    std::string error = findSettled(window, label, item);
     if (error.empty()) return clickItem(item, button);
     if (label.find('/') == std::string::npos) return error;
 
@@ -135,10 +162,10 @@ std::string uiClick(const std::string& window, const std::string& label, int but
     while (start <= label.size()) {
         const size_t slash = label.find('/', start);
         const std::string part = label.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
-        error = uiFind(window, part, item);
+        error = findSettled(window, part, item);
         for (int wait = 0; !error.empty() && wait < kMenuWaitFrames; ++wait) {
             runFrames(1);
-            error = uiFind(window, part, item);
+            error = findSettled(window, part, item);
         }
         if (!error.empty()) return error + " (menu path \"" + label + "\")";
         if (auto e = clickItem(item, button); !e.empty()) return e;
@@ -150,31 +177,29 @@ std::string uiClick(const std::string& window, const std::string& label, int but
 
 std::string uiDrag(const std::string& window, const std::string& label, int dx, int dy, int steps) {
     UiItem item;
-    if (auto e = uiFind(window, label, item); !e.empty()) return e;
+    if (auto e = findSettled(window, label, item); !e.empty()) return e;
     if (!item.visible) return "\"" + label + "\" is scrolled or clipped out of view";
     drag(item.centreX(), item.centreY(), item.centreX() + dx, item.centreY() - dy, steps);
-    runFrames(2);
+    runFrames(kClickFrames);
     return "";
 }
 
 std::string uiType(const std::string& window, const std::string& label, const std::string& text) {
     UiItem item;
-    if (auto e = uiFind(window, label, item); !e.empty()) return e;
+    if (auto e = findSettled(window, label, item); !e.empty()) return e;
     if (auto e = clickItem(item, 0); !e.empty()) return e;
     UiFrame frame;
     if (auto e = uiFrame(window, frame); !e.empty()) return e;
     if (!frame.wantTextInput) {
-        // A drag or slider becomes a text field on a double click, with its text selected.
+        // A drag or slider becomes a text field on a double click: a second click
+        // within ImGui's double click time (0.3 s) at the same place.
         click(item.centreX(), item.centreY());
-        runFrames(1);
-        click(item.centreX(), item.centreY());
-        runFrames(2);
+        runFrames(kClickFrames);
         if (auto e = uiFrame(window, frame); !e.empty()) return e;
         if (!frame.wantTextInput) return "\"" + label + "\" takes no text";
-    } else {
-        typeKey('a', 'A', xplm_ControlFlag);  // select all, so TEXT replaces the old value
-        runFrames(2);
     }
+    typeKey('a', 'A', xplm_ControlFlag);  // select all, so TEXT replaces the old value
+    runFrames(2);
     for (char c : text) {
         int virtualKey = static_cast<unsigned char>(c);
         int flags = 0;
@@ -227,6 +252,8 @@ extern "C" __attribute__((visibility("default"))) void vistarig_ui_frame(const V
         item.isWindow = r.isWindow != 0;
         frame.items.push_back(std::move(item));
     }
-    driver().frames[in->windowId] = std::move(frame);
+    UiFrame& latest = driver().frames[in->windowId];
+    driver().previous[in->windowId] = std::move(latest);
+    latest = std::move(frame);
     ++driver().received;
 }

@@ -43,8 +43,8 @@ std::string uiFrame(const std::string& window, UiFrame& out);
 // LABEL: the label as shown ("Save All"), the whole label ("Save##SaveButton"), a
 // child window's name, or "#0x1234ABCD" for an ImGui ID. Items that are visible win.
 std::string uiFind(const std::string& window, const std::string& label, UiItem& out);
-// A click in the middle of the item; then two frames, in which ImGui sees the press
-// and the release. A LABEL that isn't found and holds "/" is taken as a menu path:
+// A click in the middle of the item once it stands still; then three frames: ImGui
+// sees the press, the release (the control acts), and the frame that shows the result. A LABEL that isn't found and holds "/" is taken as a menu path:
 // each part is clicked in turn once the previous one has opened it.
 std::string uiClick(const std::string& window, const std::string& label, int button = 0);
 // Press in the middle, move by DX, DY boxels (y down, as on the screen) one step a

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -40,7 +41,7 @@ struct Capture {
     int left = 0, top = 0;
     std::vector<RecordedItem> items;
     std::unordered_map<ImGuiID, size_t> lastById;
-    std::vector<TextStream> streams;
+    std::deque<TextStream> streams;
 };
 
 Capture capture;
@@ -50,10 +51,13 @@ bool capturing(ImGuiContext* ctx) { return capture.receiver && ctx == capture.co
 void startTextLog() {
     ImGuiContext& g = *capture.context;
     if (g.LogEnabled || !g.CurrentWindow) return;
-    TextStream stream;
+    // The stream writes its buffer's place into the record: it must not move.
+    TextStream& stream = capture.streams.emplace_back();
     stream.file = open_memstream(&stream.data, &stream.size);
-    if (!stream.file) return;
-    capture.streams.push_back(stream);
+    if (!stream.file) {
+        capture.streams.pop_back();
+        return;
+    }
     ImGui::LogBegin(ImGuiLogType_File, 0);
     g.LogFile = stream.file;
     // Logging normally opens tree nodes so that their contents reach the log; the
@@ -110,7 +114,7 @@ void uiHooksFrameEnd() {
     capture.streams.clear();
 
     for (ImGuiWindow* window : g.Windows) {
-        if (!window->Active || window->Hidden) continue;
+        if (!window->Active || window->Hidden || window->IsFallbackWindow) continue;
         RecordedItem item;
         item.id = window->ID;
         item.label = shortWindowName(window);
@@ -149,8 +153,9 @@ void uiHooksFrameEnd() {
 
 void ImGuiTestEngineHook_ItemAdd(ImGuiContext* ctx, const ImRect& bb, ImGuiID id) {
     if (!capturing(ctx)) return;
-    startTextLog();
     ImGuiWindow* window = ctx->CurrentWindow;
+    if (window && window->IsFallbackWindow) return;  // ImGui's implicit "Debug" window
+    startTextLog();
     RecordedItem item;
     item.id = id;
     item.rect = bb;

@@ -13,6 +13,7 @@
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "shell/host_interface.h"
+#include "panels/control_panel_widget.h"
 #include "shell/pending_actions.h"
 
 namespace {

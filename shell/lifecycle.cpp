@@ -14,6 +14,7 @@
 #include "motion/frame_driver.h"
 #include "motion/transitions.h"
 #include "motion/mouse_look.h"
+#include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "shell/command_table.h"
 #include "shell/sim_commands.h"
@@ -124,6 +125,7 @@ void hostEnable() {
 void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     autosaveUnsavedEdits();
+    ControlPanelAction(4);
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();
@@ -234,6 +236,7 @@ float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void
         gState.lastFrameSeconds = sinceLastCall;
         advanceSimulatorClock(sinceLastCall);
         runFrame();
+        ControlPanelAction(7);  // a changed form or font takes effect here
     } catch (...) {
         logMessage("The frame failed and was skipped");
     }

@@ -3,15 +3,12 @@
 
 #include "shell/host_interface.h"
 
+#include <imgui.h>
+
 namespace {
 void notYet(const char* what) { logMessage("%s is not available in this build", what); }
 bool targetInformation = true;
 }  // namespace
-
-bool ControlPanelAction(int op) {
-    if (op == 1) notYet("The Control Panel");
-    return false;
-}
 
 bool MiniControlPanelAction(int op) {
     if (op == 1) notYet("The Mini Control Panel");
@@ -21,6 +18,19 @@ bool MiniControlPanelAction(int op) {
 void SettingsPanelAction(bool) { notYet("The Settings panel"); }
 void openSaveTargetPanel() { notYet("Saving a target"); }
 void toggleTrafficDisplay() { notYet("The Traffic Display"); }
+
+// A modal popup that only says so, with a button to close it.
+static void placeholderPopup(const char* name) {
+    if (!ImGui::BeginPopupModal(name, nullptr, ImGuiWindowFlags_AlwaysAutoResize)) return;
+    ImGui::TextUnformatted("This is not available in this build.");
+    if (ImGui::Button("Cancel", ImVec2(120, 0))) ImGui::CloseCurrentPopup();
+    ImGui::SetItemDefaultFocus();
+    ImGui::EndPopup();
+}
+void buildSharePopup() { placeholderPopup("Share Community File"); }
+void buildBrowsePopup() { placeholderPopup("Browse Community Files"); }
+void buildViewIdPopup() { placeholderPopup("Display View ID Assignments"); }
+void buildImportPopup(int) { placeholderPopup("Import Camera File"); }
 
 bool& showTargetInformation() { return targetInformation; }
 void selectNearestTarget() { notYet("Target selection"); }

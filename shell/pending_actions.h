@@ -7,11 +7,17 @@
 struct Camera;
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
-bool ControlPanelAction(int op);
 bool MiniControlPanelAction(int op);
 void SettingsPanelAction(bool toggle);
 void openSaveTargetPanel();
 void toggleTrafficDisplay();
+
+// Control Panel popups whose features come with their own units; each draws its modal
+// popup by name (a stand-in form until then).
+void buildSharePopup();
+void buildBrowsePopup();
+void buildViewIdPopup();
+void buildImportPopup(int importKind);
 
 // Targets. `showTargetInformation` is the run-time switch of the target overlay.
 bool& showTargetInformation();

@@ -97,7 +97,7 @@ xphost::ScenarioVerbRegistration uiDumpVerb(
                 *line.out << (item.isWindow ? "window \"" : "item \"") << item.label << "\" at "
                           << item.centreX() << " " << item.centreY() << (item.visible ? "" : " clipped")
                           << (item.disabled ? " disabled" : "") << "\n";
-        *line.out << frame.text << "\n";
+        *line.out << frame.text << "\nframe " << frame.frame << (frame.wantTextInput ? " text input" : "") << " active 0x" << std::hex << frame.activeId << std::dec << "\n";
         return std::string();
     });
 
