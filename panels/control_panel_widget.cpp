@@ -68,6 +68,11 @@ void destroyControlPanel() {
     }
 }
 
+// The test build's band: above the panel's contents and inside each menu.
+void testSpacer() {
+    if (const int spacer = controlPanelTestSpacer(); spacer > 0) ImGui::Dummy(ImVec2(10.0f, static_cast<float>(spacer)));
+}
+
 bool fitsSettings() {
     const Settings& s = settings();
     const bool formFits = (controlPanelDecoration == 1 && s.ENABLE_SOLID_CONTROL_PANEL) ||
@@ -204,7 +209,7 @@ void ControlPanelWidget::BuildContents() {
         collapsed = false;
     }
 
-    if (const int spacer = controlPanelTestSpacer(); spacer > 0) ImGui::Dummy(ImVec2(10.0f, static_cast<float>(spacer)));
+    testSpacer();
     BuildMenuBar();
     BuildPanes();
     BuildSaveRow();
@@ -233,6 +238,7 @@ void ControlPanelWidget::BuildMenuBar() {
 
 void ControlPanelWidget::BuildFileMenu() {
     if (!ImGui::BeginMenu("File")) return;
+    testSpacer();
     const bool aircraftSet = !isAirportSetActive();
     if (aircraftSet && ImGui::MenuItem("New Aircraft Camera File")) {
         stopCameraMotion();
@@ -281,6 +287,7 @@ void ControlPanelWidget::BuildFileMenu() {
 
 void ControlPanelWidget::BuildEditMenu() {
     if (!ImGui::BeginMenu("Edit")) return;
+    testSpacer();
     if (ImGui::MenuItem("Copy Camera Set")) copySet(&setClipboard());
     ImGui::Separator();
     if (ImGui::MenuItem("Paste Camera Set", nullptr, false, setClipboard().categoryCount > 0))
@@ -290,7 +297,9 @@ void ControlPanelWidget::BuildEditMenu() {
 
 void ControlPanelWidget::BuildAirportMenu() {
     if (!ImGui::BeginMenu("Airport File")) return;
-    const std::vector<NearbyAirport>& airports = nearbyAirports(false);
+    testSpacer();
+    // A copy: an entry's action asks for the list again, which rebuilds it.
+    const std::vector<NearbyAirport> airports = nearbyAirports(false);
     bool anyWithout = false, anyWith = false;
     for (const NearbyAirport& airport : airports) (airport.hasFile ? anyWith : anyWithout) = true;
     char label[160];

@@ -162,6 +162,15 @@ void ImGuiTestEngineHook_ItemAdd(ImGuiContext* ctx, const ImRect& bb, ImGuiID id
     item.window = window ? window->Name : "";
     item.visible = window ? bb.Overlaps(window->ClipRect) : true;
     item.disabled = (ctx->CurrentItemFlags & ImGuiItemFlags_Disabled) != 0;
+    // A window's own controls carry no label of their own.
+    if (window && !(window->Flags & ImGuiWindowFlags_ChildWindow)) {
+        if (id == window->MoveId)
+            item.label = "#title";
+        else if (id == window->GetIDNoKeepAlive("#COLLAPSE"))
+            item.label = "#collapse";
+        else if (id == window->GetIDNoKeepAlive("#CLOSE"))
+            item.label = "#close";
+    }
     capture.lastById[id] = capture.items.size();
     capture.items.push_back(std::move(item));
 }
