@@ -23,8 +23,13 @@ const char* const kToggle = "KVT/Vistarig/Toggle_Control_Panel_on_or_off";
 
 class ControlPanelTest : public PluginTest {
 protected:
+    bool enableOnSetUp() override { return false; }
     void SetUp() override {
         PluginTest::SetUp();
+        // The plug-in's own folders, so that no message box about them stands in the pictures.
+        for (const char* folder : {"MyTargets", "AircraftCameraBackups", "MyAirportCameras"})
+            std::filesystem::create_directories(root + "Resources/plugins/Vistarig/" + folder);
+        ASSERT_TRUE(xphost::enablePlugin(plugin));
         const char* font = "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf";
         if (std::filesystem::exists(font) && !std::filesystem::exists(root + "Resources/fonts/Roboto-Regular.ttf")) {
             std::filesystem::create_directories(root + "Resources/fonts");

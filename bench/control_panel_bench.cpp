@@ -1,0 +1,74 @@
+// The Control Panel's cost per frame: the whole draw pass with the panel on Mesa's
+// software renderer (compare BM_EmptyScreenFrame for the screen alone), and the ImGui
+// build of one panel frame without any GL, with and without the UI driver's capture.
+#include <benchmark/benchmark.h>
+#include <imgui.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "data/settings.h"
+#include "host/host.h"
+#include "host/windows.h"
+#include "panels/control_panel_widget.h"
+#include "panels/ui_hooks.h"
+
+namespace {
+
+std::string panelRoot(bool solid) {
+    const auto root = std::filesystem::temp_directory_path() / ("vistarig-bench-cp-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(root / "Resources/fonts");
+    const char* font = "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf";
+    if (std::filesystem::exists(font) && !std::filesystem::exists(root / "Resources/fonts/Roboto-Regular.ttf"))
+        std::filesystem::copy_file(font, root / "Resources/fonts/Roboto-Regular.ttf");
+    xphost::reset();
+    xphost::setRoot(root.string());
+    settings().ENABLE_SOLID_CONTROL_PANEL = solid;
+    settings().USE_SMALL_FONT = false;
+    ControlPanelAction(1);
+    xphost::runFrames(3);  // fonts built, layout settled
+    return root.string();
+}
+
+void finish(const std::string& root) {
+    ControlPanelAction(4);
+    std::filesystem::remove_all(root);
+}
+
+void BM_ControlPanelFrame(benchmark::State& state) {
+    const std::string root = panelRoot(state.range(0) != 0);
+    for (auto _ : state) xphost::drawScreen();
+    finish(root);
+}
+BENCHMARK(BM_ControlPanelFrame)->Arg(1)->Arg(0)->ArgName("solid")->Unit(benchmark::kMicrosecond);
+
+// One ImGui frame of the panel as its window builds it, without rendering.
+void buildOnce(ControlPanelWidget& panel, bool capture) {
+    ImGui::SetCurrentContext(panel.GetContext());
+    ImGuiIO& io = ImGui::GetIO();
+    io.DisplaySize = ImVec2(900, 805);
+    io.DeltaTime = 1.0f / 30.0f;
+    if (capture) uiHooksFrameBegin(panel.GetContext(), panel.GetWindowId(), 0, 805);
+    ImGui::NewFrame();
+    ImGui::SetNextWindowPos(ImVec2(0, 0), ImGuiCond_Always);
+    ImGui::SetNextWindowSize(io.DisplaySize, ImGuiCond_Always);
+    ImGui::Begin(panel.GetTitle().c_str(), nullptr,
+                 ImGuiWindowFlags_NoTitleBar | ImGuiWindowFlags_NoResize | ImGuiWindowFlags_NoCollapse |
+                     ImGuiWindowFlags_MenuBar);
+    if (capture) uiHooksWindowBegun();
+    panel.BuildContents();
+    ImGui::End();
+    if (capture) uiHooksFrameEnd();
+    ImGui::Render();
+}
+
+void BM_ControlPanelImGuiBuild(benchmark::State& state) {
+    const bool capture = state.range(0) != 0;
+    const std::string root = panelRoot(true);
+    ControlPanelWidget* panel = controlPanelWidget();
+    for (auto _ : state) buildOnce(*panel, capture);
+    finish(root);
+}
+BENCHMARK(BM_ControlPanelImGuiBuild)->Arg(0)->Arg(1)->ArgName("driver_capture")->Unit(benchmark::kMicrosecond);
+
+}  // namespace
