@@ -18,6 +18,7 @@ CameraFile gAircraftFile;  // head of the file list; airport records are linked 
 Camera* gViewTable[kMaxViewId + 1];
 int32_t gViewIdCount = 0;
 bool gControlPanelOpen = false;
+bool gControlPanelAutoAdvance = false;
 
 Camera& currentSlot() {
     Category& category = gWorking.categories[gCurrentCategory];
@@ -452,3 +453,5 @@ void relinkSet(bool renumber) {
 
 void setControlPanelOpen(bool open) { gControlPanelOpen = open; }
 bool controlPanelOpen() { return gControlPanelOpen; }
+void setControlPanelAllowsAutoAdvance(bool allow) { gControlPanelAutoAdvance = allow; }
+bool controlPanelAllowsAutoAdvance() { return gControlPanelAutoAdvance; }

@@ -171,6 +171,10 @@ void relinkSet(bool renumber);
 // The panel sets it; false until the panel exists.
 void setControlPanelOpen(bool open);
 bool controlPanelOpen();
+// Whether the open panel lets camera chains advance (collapsed, or "Allow Camera Auto
+// Advance" checked). The panel sets it.
+void setControlPanelAllowsAutoAdvance(bool allow);
+bool controlPanelAllowsAutoAdvance();
 
 // Copies at most `limit` characters of `source` into a field of `capacity` bytes,
 // always terminating it. Every text copy into a fixed field goes through here.

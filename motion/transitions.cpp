@@ -549,5 +549,5 @@ float delaySecondsLeft() {
 
 bool mayAutoAdvance() {
     // While the user edits in the Control Panel, chains wait unless the panel allows them.
-    return !controlPanelOpen();
+    return !controlPanelOpen() || controlPanelAllowsAutoAdvance();
 }

@@ -52,12 +52,18 @@ ControlPanelWidget* buildControlPanel() {
     return panel;
 }
 
+// What the model's rules (hidden cameras, chains) need to know of the panel.
+void publishPanelState() {
+    setControlPanelOpen(controlPanel && controlPanel->IsVisible());
+    setControlPanelAllowsAutoAdvance(controlPanel && (controlPanel->collapsed || controlPanel->allowAutoAdvance));
+}
+
 // A panel may be deleted at once except from inside its own frame, where only a
 // request is safe.
 void destroyControlPanel() {
     ControlPanelWidget* panel = controlPanel;
     controlPanel = nullptr;
-    setControlPanelOpen(false);
+    publishPanelState();
     if (!panel) return;
     if (panel->insideFrame()) {
         panel->RequestDestroy();
@@ -95,7 +101,7 @@ bool ControlPanelAction(int op) {
             } else {
                 controlPanel->SetVisible(!controlPanel->IsVisible());
             }
-            setControlPanelOpen(controlPanel->IsVisible());
+            publishPanelState();
             return controlPanel->IsVisible();
         case 4:  // destroy
             destroyControlPanel();
@@ -107,12 +113,12 @@ bool ControlPanelAction(int op) {
         case 7: {  // reconfigure: a changed form or font takes a new window
             if (!controlPanel) return false;
             const bool visible = controlPanel->IsVisible();
-            setControlPanelOpen(visible);
+            publishPanelState();
             if (fitsSettings()) return visible;
             destroyControlPanel();
             if (!visible) return false;
             controlPanel = buildControlPanel();
-            setControlPanelOpen(controlPanel->IsVisible());
+            publishPanelState();
             return controlPanel->IsVisible();
         }
         default: return false;
@@ -141,13 +147,13 @@ ControlPanelWidget::ControlPanelWidget(int left_, int top_, int right_, int bott
 ControlPanelWidget::~ControlPanelWidget() {
     if (controlPanel == this) {
         controlPanel = nullptr;
-        setControlPanelOpen(false);
+        publishPanelState();
     }
 }
 
 void ControlPanelWidget::SetVisible(bool visible) {
     ImgWindow::SetVisible(visible);
-    if (controlPanel == this) setControlPanelOpen(IsVisible());
+    if (controlPanel == this) publishPanelState();
 }
 
 void ControlPanelWidget::ConfigureContext() {
