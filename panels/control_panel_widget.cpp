@@ -68,9 +68,11 @@ void destroyControlPanel() {
     if (panel->insideFrame()) {
         panel->RequestDestroy();
     } else {
+        // Another window's frame may be under way: its context stays current.
         ImGuiContext* saved = ImGui::GetCurrentContext();
+        ImGuiContext* own = panel->GetContext();
         delete panel;
-        ImGui::SetCurrentContext(saved == panel->GetContext() ? nullptr : saved);
+        ImGui::SetCurrentContext(saved == own ? nullptr : saved);
     }
 }
 
