@@ -1,5 +1,6 @@
 #include "host/ui_driver.h"
 
+#include <cstdlib>
 #include <map>
 
 #include "host/host.h"
@@ -81,7 +82,7 @@ std::string shownPart(const std::string& label) {
 
 bool matches(const UiItem& item, const std::string& query) {
     if (query.size() > 3 && query.compare(0, 3, "#0x") == 0)
-        return item.id == static_cast<unsigned>(std::stoul(query.substr(3), nullptr, 16));
+        return item.id == static_cast<unsigned>(std::strtoul(query.c_str() + 3, nullptr, 16));
     if (item.label.empty()) return false;
     return item.label == query || (!query.empty() && shownPart(item.label) == query);
 }
