@@ -19,6 +19,14 @@ namespace {
 const char* const kFolders[2] = {"MyAirportCameras", "CommunityAirportCameras"};
 
 std::vector<NearbyAirport> nearbyList;
+
+struct AirportPlace {
+    XPLMNavRef ref;
+    float latitude, longitude;
+};
+// Kept from one plug-in enable to its stop (the simulator's navigation data stays).
+std::vector<AirportPlace> places;
+XPLMNavRef placesFirst = XPLM_NAV_NOT_FOUND, placesLast = XPLM_NAV_NOT_FOUND;
 double nearbyLatitude = 0, nearbyLongitude = 0;
 bool nearbyListStale = true;
 
@@ -115,6 +123,9 @@ void buildCameraFileList() {
 }
 
 void freeCameraFileList() {
+    places.clear();
+    nearbyList.clear();
+    nearbyListStale = true;
     CameraFile* head = fileListHead();
     CameraFile* record = head->next;
     while (record) {
@@ -198,25 +209,35 @@ const std::vector<NearbyAirport>& nearbyAirports(bool force) {
     if (!force && !nearbyListStale && greatCircle(latitude, longitude, nearbyLatitude, nearbyLongitude, 'N') < 0.1)
         return nearbyList;
     nearbyList.clear();
-    // The database keeps each kind of aid together: the airports lie from the first to
-    // the last of their kind.
+    // The airports' places, walked once and kept while the database's airports stay
+    // the same run of references: a world's 38,000 airports are then passed over by
+    // latitude alone, without a call into the simulator for each.
+    XPLMNavRef first = XPLMFindFirstNavAidOfType(xplm_Nav_Airport);
     XPLMNavRef last = XPLMFindLastNavAidOfType(xplm_Nav_Airport);
-    for (XPLMNavRef ref = XPLMFindFirstNavAidOfType(xplm_Nav_Airport); ref != XPLM_NAV_NOT_FOUND;
-         ref = ref == last ? XPLM_NAV_NOT_FOUND : XPLMGetNextNavAid(ref)) {
+    if (first != placesFirst || last != placesLast || places.empty()) {
+        places.clear();
+        for (XPLMNavRef ref = first; ref != XPLM_NAV_NOT_FOUND;
+             ref = ref == last ? XPLM_NAV_NOT_FOUND : XPLMGetNextNavAid(ref)) {
+            AirportPlace place{ref, 0, 0};
+            XPLMNavType type = xplm_Nav_Unknown;
+            XPLMGetNavAidInfo(ref, &type, &place.latitude, &place.longitude, nullptr, nullptr, nullptr, nullptr,
+                              nullptr, nullptr);
+            if (type == xplm_Nav_Airport) places.push_back(place);
+        }
+        placesFirst = first;
+        placesLast = last;
+    }
+    for (const AirportPlace& place : places) {
+        // Ten nautical miles are a sixth of a degree of latitude.
+        if (std::fabs(place.latitude - latitude) > 0.2) continue;
+        double distance = greatCircle(latitude, longitude, place.latitude, place.longitude, 'N');
+        if (!(distance < 10.0)) continue;
         NearbyAirport airport{};
-        XPLMNavType type = xplm_Nav_Unknown;
-        XPLMGetNavAidInfo(ref, &type, &airport.latitude, &airport.longitude, &airport.height, nullptr, nullptr,
-                          nullptr, nullptr, nullptr);
-        if (type != xplm_Nav_Airport) continue;
-        // Ten nautical miles are a sixth of a degree of latitude: most of the world's
-        // airports are passed over before any trigonometry or text.
-        if (std::fabs(airport.latitude - latitude) > 0.2) continue;
-        airport.distance = float(greatCircle(latitude, longitude, airport.latitude, airport.longitude, 'N'));
-        if (!(airport.distance < 10.0f)) continue;
-        XPLMGetNavAidInfo(ref, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, airport.id, airport.name,
-                          nullptr);
+        XPLMGetNavAidInfo(place.ref, nullptr, &airport.latitude, &airport.longitude, &airport.height, nullptr,
+                          nullptr, airport.id, airport.name, nullptr);
         airport.id[sizeof airport.id - 1] = 0;
         airport.name[sizeof airport.name - 1] = 0;
+        airport.distance = float(distance);
         airport.hasFile = findAirportFile(airport.id) != nullptr;
         nearbyList.push_back(airport);
     }
