@@ -212,11 +212,11 @@ AirportScenery* answer(AptPass& pass) {
 // world's airports would otherwise allocate and clear again and again. Emptied by its
 // counts; every entry is cleared as a row fills it.
 AirportScenery* freshRecord() {
-    static AirportScenery* work = new AirportScenery();
-    work->elevation = 0;
-    std::memset(work->id, 0, sizeof work->id);
-    work->runwayCount = work->startCount = work->signCount = work->viewPointCount = work->helipadCount = 0;
-    return work;
+    static AirportScenery work;  // static storage: nothing to free when the plug-in unloads
+    work.elevation = 0;
+    std::memset(work.id, 0, sizeof work.id);
+    work.runwayCount = work.startCount = work.signCount = work.viewPointCount = work.helipadCount = 0;
+    return &work;
 }
 
 std::string systemPath() {

@@ -310,7 +310,7 @@ void ControlPanelWidget::BuildAirportMenu() {
     const std::vector<NearbyAirport> airports = nearbyAirports(false);
     bool anyWithout = false, anyWith = false;
     for (const NearbyAirport& airport : airports) (airport.hasFile ? anyWith : anyWithout) = true;
-    char label[160];
+    char label[400];  // an ID, a distance and a name of up to 255 characters
     if (anyWithout && ImGui::BeginMenu("Create Airport File")) {
         for (const NearbyAirport& airport : airports) {
             if (airport.hasFile) continue;

@@ -138,6 +138,8 @@ void hostDisable() {
 void pluginStop() {
     if (gState.cameraEnabled) disableCamera(false);
     freeCameraFileList();
+    // The targets live on the heap: a plug-in that is unloaded must not leave them.
+    clearTargets();
     unpublishIntegrationDatarefs();
     if (gCommunityScanThread) {
         gCommunityScanThread->join();
