@@ -1,8 +1,10 @@
 // The Control Panel's cost per frame: the whole draw pass with the panel on Mesa's
-// software renderer (compare BM_EmptyScreenFrame for the screen alone), and the ImGui
+// software renderer (compare BM_EmptyScreenFrame for the screen alone; BM_ControlPanelShare
+// gives the panel's own processor time), and the ImGui
 // build of one panel frame without any GL, with and without the UI driver's capture.
 #include <benchmark/benchmark.h>
 #include <imgui.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -41,6 +43,38 @@ void BM_ControlPanelFrame(benchmark::State& state) {
     finish(root);
 }
 BENCHMARK(BM_ControlPanelFrame)->Arg(1)->Arg(0)->ArgName("solid")->Unit(benchmark::kMicrosecond);
+
+double processCpuMs() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
+// The panel's own share of a frame in processor time of the whole process, Mesa's
+// rasterizer threads included: the same screen drawn with the panel shown and hidden,
+// alternately, so that the world behind it and a busy machine cancel out.
+void BM_ControlPanelShare(benchmark::State& state) {
+    const std::string root = panelRoot(state.range(0) != 0);
+    ControlPanelWidget* panel = controlPanelWidget();
+    double shown = 0, hidden = 0;
+    for (auto _ : state) {
+        const double a = processCpuMs();
+        xphost::drawScreen();
+        const double b = processCpuMs();
+        panel->SetVisible(false);
+        xphost::drawScreen();
+        const double c = processCpuMs();
+        panel->SetVisible(true);
+        shown += b - a;
+        hidden += c - b;
+    }
+    const double n = static_cast<double>(state.iterations());
+    state.counters["shown_cpu_ms"] = shown / n;
+    state.counters["hidden_cpu_ms"] = hidden / n;
+    state.counters["panel_cpu_ms"] = (shown - hidden) / n;
+    finish(root);
+}
+BENCHMARK(BM_ControlPanelShare)->Arg(1)->Arg(0)->ArgName("solid")->Unit(benchmark::kMillisecond)->Iterations(100);
 
 // One ImGui frame of the panel as its window builds it, without rendering.
 void buildOnce(ControlPanelWidget& panel, bool capture) {

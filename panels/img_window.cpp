@@ -106,6 +106,9 @@ void ImgWindow::Init() {
     for (const auto& key : keys) io.KeyMap[key[0]] = key[1];
 
     ImGui::GetStyle().WindowRounding = 0;
+    // Smooth lines from geometry, not from the atlas, so that sampling the atlas
+    // without filtering (see RenderFrame) leaves their edges as they were.
+    ImGui::GetStyle().AntiAliasedLinesUseTex = false;
     ConfigureContext();
 }
 
@@ -169,6 +172,7 @@ void ImgWindow::BuildFontTexture() {
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
     fontTexture = texture;
+    fontFilter = GL_LINEAR;
     io.Fonts->TexID = reinterpret_cast<ImTextureID>(static_cast<intptr_t>(texture));
 }
 
@@ -230,6 +234,15 @@ void ImgWindow::RenderFrame() {
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
     glEnable(GL_TEXTURE_2D);
+    // Nearest sampling is a quarter cheaper on a software renderer and gives the same
+    // pixels while texels and pixels line up; a scaled window needs the filtering.
+    const GLint filter = unitIsOnePixel(left, top, modelView, projection, viewport) ? GL_NEAREST : GL_LINEAR;
+    if (fontTexture && filter != fontFilter) {
+        XPLMBindTexture2d(fontTexture, 0);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+        fontFilter = filter;
+    }
 
     // ImGui's y runs down from the window's top left corner; the simulator's runs up.
     glMatrixMode(GL_PROJECTION);

@@ -53,6 +53,7 @@ protected:
     XPLMWindowID windowId = nullptr;
     ImGuiContext* context = nullptr;
     int fontTexture = 0;
+    int fontFilter = 0;  // the atlas's sampling filter now set
     bool inVr = false;
     int top = 0, bottom = 0, left = 0, right = 0;
     int savedTop = 0, savedBottom = 0, savedLeft = 0, savedRight = 0;

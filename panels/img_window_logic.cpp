@@ -2,6 +2,8 @@
 
 #include <imgui.h>
 
+#include <cmath>
+
 bool deliverOneKey(std::deque<KeyEvent>& queue, ImGuiIO& io) {
     if (queue.empty()) return false;
     KeyEvent event = queue.front();
@@ -65,15 +67,35 @@ void multiply(const float m[16], const float in[4], float out[4]) {
 }  // namespace
 
 void globalToNative(float gx, float gy, const float modelView[16], const float projection[16], const int viewport[4],
-                    int& outX, int& outY) {
+                    float& outX, float& outY) {
     const float point[4] = {gx, gy, 0.0f, 1.0f};
     float eye[4], clip[4];
     multiply(modelView, point, eye);
     multiply(projection, eye, clip);
     const float w = clip[3] != 0.0f ? clip[3] : 1.0f;
     const float ndcX = clip[0] / w, ndcY = clip[1] / w;
-    outX = static_cast<int>((ndcX * 0.5f + 0.5f) * static_cast<float>(viewport[2]) + static_cast<float>(viewport[0]));
-    outY = static_cast<int>((ndcY * 0.5f + 0.5f) * static_cast<float>(viewport[3]) + static_cast<float>(viewport[1]));
+    outX = (ndcX * 0.5f + 0.5f) * static_cast<float>(viewport[2]) + static_cast<float>(viewport[0]);
+    outY = (ndcY * 0.5f + 0.5f) * static_cast<float>(viewport[3]) + static_cast<float>(viewport[1]);
+}
+
+void globalToNative(float gx, float gy, const float modelView[16], const float projection[16], const int viewport[4],
+                    int& outX, int& outY) {
+    float x = 0, y = 0;
+    globalToNative(gx, gy, modelView, projection, viewport, x, y);
+    outX = static_cast<int>(x);
+    outY = static_cast<int>(y);
+}
+
+bool unitIsOnePixel(int windowLeft, int windowTop, const float modelView[16], const float projection[16],
+                    const int viewport[4]) {
+    const float span = 256.0f;
+    float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    globalToNative(static_cast<float>(windowLeft), static_cast<float>(windowTop), modelView, projection, viewport, x0,
+                   y0);
+    globalToNative(static_cast<float>(windowLeft) + span, static_cast<float>(windowTop) - span, modelView, projection,
+                   viewport, x1, y1);
+    const auto near = [](float a, float b) { return std::fabs(a - b) < 1e-3f; };
+    return near(x1 - x0, span) && near(y0 - y1, span) && near(x0, std::round(x0)) && near(y0, std::round(y0));
 }
 
 NativeRect clipRectToNative(float x1, float y1, float x2, float y2, int windowLeft, int windowTop,

@@ -54,6 +54,12 @@ struct NativeRect {
 // One point in global units through modelview, projection (column-major) and viewport.
 void globalToNative(float gx, float gy, const float modelView[16], const float projection[16], const int viewport[4],
                     int& outX, int& outY);
+void globalToNative(float gx, float gy, const float modelView[16], const float projection[16], const int viewport[4],
+                    float& outX, float& outY);
+// True when one global unit is one native pixel and the window's corner a whole pixel:
+// then every texel of the font atlas lands on one pixel and sampling needs no filtering.
+bool unitIsOnePixel(int windowLeft, int windowTop, const float modelView[16], const float projection[16],
+                    const int viewport[4]);
 // An ImGui clip rectangle (x1, y1, x2, y2, window coordinates, y down) to native
 // pixels, for glScissor(left, bottom, right - left, top - bottom).
 NativeRect clipRectToNative(float x1, float y1, float x2, float y2, int windowLeft, int windowTop,

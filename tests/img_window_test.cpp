@@ -164,6 +164,20 @@ TEST(ImgWindowClip, ScissorFollowsTheDrawScaleAndViewportOrigin) {
     EXPECT_NEAR(r.bottom, 640, 1);
 }
 
+TEST(ImgWindowClip, UnfilteredAtlasOnlyWhereTexelsMeetPixelsOneToOne) {
+    float mv[16], proj[16];
+    int vp[4];
+    scaledMatrices(1.0f, 1920, 1080, mv, proj, vp);
+    EXPECT_TRUE(unitIsOnePixel(175, 1005, mv, proj, vp));
+    vp[0] = 1920;  // a second monitor's viewport keeps whole pixels
+    EXPECT_TRUE(unitIsOnePixel(2100, 1005, mv, proj, vp));
+    scaledMatrices(1.5f, 2880, 1620, mv, proj, vp);
+    EXPECT_FALSE(unitIsOnePixel(175, 1005, mv, proj, vp));
+    scaledMatrices(1.0f, 1920, 1080, mv, proj, vp);
+    mv[12] = 0.5f;  // a window moved by half a pixel would sample between texels
+    EXPECT_FALSE(unitIsOnePixel(175, 1005, mv, proj, vp));
+}
+
 TEST(ImgWindowVr, ChangesOnlyOnTransitions) {
     EXPECT_EQ(vrChange(true, false), VrChange::enter);
     EXPECT_EQ(vrChange(true, true), VrChange::none);
