@@ -7,6 +7,7 @@
 #include "data/camera_set.h"
 #include "data/generators.h"
 #include "data/set_editing.h"
+#include "panels/camera_lists_pane.h"
 #include "panels/control_panel_widget.h"
 #include "shell/pending_actions.h"
 

@@ -10,7 +10,9 @@
 #include "data/set_editing.h"
 #include "data/settings.h"
 #include "motion/transitions.h"
-#include "panels/control_panel_panes.h"
+#include "panels/camera_lists_pane.h"
+#include "panels/camera_options_pane.h"
+#include "panels/movement_pane.h"
 #include "panels/msg_box_widget.h"
 #include "shell/host_interface.h"
 #include "shell/pending_actions.h"
@@ -363,9 +365,9 @@ void ControlPanelWidget::BuildPanes() {
     pane("TrackIR", 435.0f, padHeight, buildTrackIrPane);
     ImGui::SameLine();
     pane("ChildMovement", 435.0f, padHeight, buildMovementPane);
-    // The options fill what the save row leaves.
-    const float saveRow = ImGui::GetFrameHeightWithSpacing() + ImGui::GetStyle().WindowPadding.y;
-    pane("CameraOptions", 880.0f, -saveRow, buildCameraOptionsPane);
+    float optionsHeight = small ? 110.0f : 135.0f;
+    if (showAdvanced) optionsHeight = small ? 325.0f : 380.0f;
+    pane("CameraOptions", 880.0f, optionsHeight, buildCameraOptionsPane);
 }
 
 void ControlPanelWidget::BuildSaveRow() {

@@ -44,6 +44,7 @@ public:
     bool closeRequested = false;    // "Close Window", honoured by the flight loop
     bool createBackup = false;      // "Create Backup"
     bool showAdvanced = false;      // "Show Advanced Camera Options"
+    bool optionsSized = false;      // the options pane has sized a translucent panel once
     int pendingPopup = noPopup;     // opened at the end of this frame
     int importKind = 0;             // 9 "Import Camera File", 10 "... from Backup"
     bool selfDecorated = false;     // the translucent form

@@ -149,6 +149,13 @@ void uiHooksFrameEnd() {
     capture.receiver = nullptr;
 }
 
+void uiHooksLabelItem(unsigned int id, const char* label) {
+    if (!capturing(ImGui::GetCurrentContext())) return;
+    auto found = capture.lastById.find(id);
+    if (found != capture.lastById.end() && capture.items[found->second].label.empty())
+        capture.items[found->second].label = label;
+}
+
 // ---- ImGui's hooks (the library is built with IMGUI_ENABLE_TEST_ENGINE)
 
 void ImGuiTestEngineHook_ItemAdd(ImGuiContext* ctx, const ImRect& bb, ImGuiID id) {

@@ -37,3 +37,7 @@ typedef void (*VistarigUiReceiver)(const VistarigUiFrame* frame);
 void uiHooksFrameBegin(ImGuiContext* context, void* windowId, int left, int top);
 void uiHooksWindowBegun();
 void uiHooksFrameEnd();
+
+// Names an item that ImGui adds without a label of its own (combos, arrow buttons), so
+// that the driver finds it as it finds any other control. Costs one test without a receiver.
+void uiHooksLabelItem(unsigned int id, const char* label);

@@ -29,7 +29,6 @@ static void placeholderPopup(const char* name) {
 }
 void buildSharePopup() { placeholderPopup("Share Community File"); }
 void buildBrowsePopup() { placeholderPopup("Browse Community Files"); }
-void buildViewIdPopup() { placeholderPopup("Display View ID Assignments"); }
 void buildImportPopup(int) { placeholderPopup("Import Camera File"); }
 
 bool& showTargetInformation() { return targetInformation; }

@@ -16,7 +16,6 @@ void toggleTrafficDisplay();
 // popup by name (a stand-in form until then).
 void buildSharePopup();
 void buildBrowsePopup();
-void buildViewIdPopup();
 void buildImportPopup(int importKind);
 
 // Targets. `showTargetInformation` is the run-time switch of the target overlay.
