@@ -1,7 +1,8 @@
 // The Control Panel's cost per frame: the whole draw pass with the panel on Mesa's
 // software renderer (compare BM_EmptyScreenFrame for the screen alone; BM_ControlPanelShare
 // gives the panel's own processor time), and the ImGui
-// build of one panel frame without any GL, with and without the UI driver's capture.
+// build of one panel frame without any GL, with and without the UI driver's capture;
+// the panes hold two categories of a dozen cameras and show the advanced options.
 #include <benchmark/benchmark.h>
 #include <imgui.h>
 #include <time.h>
@@ -9,6 +10,8 @@
 
 #include <filesystem>
 
+#include "data/camera_set.h"
+#include "data/set_editing.h"
 #include "data/settings.h"
 #include "host/host.h"
 #include "host/windows.h"
@@ -27,7 +30,13 @@ std::string panelRoot(bool solid) {
     xphost::setRoot(root.string());
     settings().ENABLE_SOLID_CONTROL_PANEL = solid;
     settings().USE_SMALL_FONT = false;
+    // The panes filled: two categories of a dozen cameras, the advanced options shown.
+    newAircraftSet();
+    for (int i = 0; i < 11; ++i) addCamera();
+    addCategory();
+    for (int i = 0; i < 11; ++i) addCamera();
     ControlPanelAction(1);
+    controlPanelWidget()->showAdvanced = true;
     xphost::runFrames(3);  // fonts built, layout settled
     return root.string();
 }
