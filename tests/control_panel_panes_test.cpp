@@ -7,6 +7,7 @@
 #include <imgui.h>
 #include <imgui_internal.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -134,6 +135,14 @@ TEST_F(ControlPanelPanesTest, SelectRenameAndContextMenusFollowTheCounts) {
     EXPECT_TRUE(has("Add to End"));
     EXPECT_FALSE(has("Delete"));
     EXPECT_FALSE(has("Paste Over")) << "empty clipboard";
+    // Typed a key a frame without Enter: the menu stays open while the name changes.
+    ASSERT_EQ(xphost::uiClick(kTitle, "##edit"), "");
+    for (char ch : std::string("ab")) {
+        xphost::typeKey(ch, std::toupper(static_cast<unsigned char>(ch)));
+        runFrames(2);  // the window hands ImGui one key event a frame
+        EXPECT_TRUE(has("Add to End")) << ch;
+    }
+    EXPECT_NE(std::string(currentCamera()->name).find("ab"), std::string::npos) << currentCamera()->name;
     type("##edit", "Tail View");
     EXPECT_STREQ(currentCamera()->name, "Tail View");
     EXPECT_FALSE(has("Add to End")) << "Enter closed the menu";
@@ -458,6 +467,19 @@ TEST_F(ControlPanelPanesTest, AHeldPadButtonRepeatsAtImGuisRepeatDelayAndRate) {
     EXPECT_EQ(currentCamera()->initialMovementRange, 3);
     runFrames(1);
     EXPECT_EQ(movementStep(), settings().VERY_LARGE_MOVEMENT_SPEED);
+    // A drag of "X" by the same 30 boxels moves far at "Very Large" and little at "Small".
+    auto dragX = [&] {
+        const float before = currentCamera()->x;
+        EXPECT_EQ(xphost::uiDrag(kTitle, "X", 30, 0), "");
+        return currentCamera()->x - before;
+    };
+    const float large = dragX();
+    click("Movement Increment");
+    click("Small");
+    const float small = dragX();
+    EXPECT_GT(large, 15.0f * settings().VERY_LARGE_MOVEMENT_SPEED);
+    EXPECT_LT(small, 30.5f * settings().SMALL_MOVEMENT_SPEED);
+    EXPECT_GT(small, 0.0f);
 
     // Pitch 350 shows as -10, and -11 stores 349; the yaw wraps past 360.
     currentCamera()->pitch = 350.0f;
