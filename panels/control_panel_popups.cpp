@@ -8,6 +8,7 @@
 #include "data/generators.h"
 #include "data/set_editing.h"
 #include "panels/camera_lists_pane.h"
+#include "panels/community_popups.h"
 #include "panels/control_panel_widget.h"
 #include "shell/pending_actions.h"
 

@@ -12,6 +12,7 @@
 #include "motion/transitions.h"
 #include "panels/camera_lists_pane.h"
 #include "panels/camera_options_pane.h"
+#include "panels/community_popups.h"
 #include "panels/movement_pane.h"
 #include "panels/msg_box_widget.h"
 #include "shell/host_interface.h"
@@ -270,6 +271,7 @@ void ControlPanelWidget::BuildFileMenu() {
     if (aircraftSet) {
         if (ImGui::MenuItem("Share Camera File with Community")) {
             stopCameraMotion();
+            clearShareError();
             pendingPopup = sharePopup;
         }
         if (ImGui::MenuItem("Browse Community Aircraft Files")) {

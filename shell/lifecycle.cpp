@@ -16,6 +16,7 @@
 #include "motion/mouse_look.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
+#include "panels/updater_widget.h"
 #include "shell/command_table.h"
 #include "shell/sim_commands.h"
 #include "shell/host_interface.h"
@@ -126,6 +127,7 @@ void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     autosaveUnsavedEdits();
     ControlPanelAction(4);
+    destroyUpdater();
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();

@@ -27,8 +27,6 @@ static void placeholderPopup(const char* name) {
     ImGui::SetItemDefaultFocus();
     ImGui::EndPopup();
 }
-void buildSharePopup() { placeholderPopup("Share Community File"); }
-void buildBrowsePopup() { placeholderPopup("Browse Community Files"); }
 void buildImportPopup(int) { placeholderPopup("Import Camera File"); }
 
 bool& showTargetInformation() { return targetInformation; }

@@ -1,6 +1,8 @@
 // Scenario verbs that work a plug-in's panels by what the user sees: controls found by
 // label or menu path in a window named by its title (host/ui_driver.h).
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "host/host.h"
 #include "host/ui_driver.h"
@@ -52,6 +54,27 @@ xphost::ScenarioVerbRegistration uiExpectTextVerb(
         if (auto e = xphost::uiExpectText(line.args[1], line.args[2], shown); !e.empty()) return e;
         *line.out << "ok \"" << line.args[2] << "\" " << (shown ? "shown" : "not shown") << "\n";
         return std::string();
+    });
+
+// Panels fed by worker threads (the updater) change in real time, not in frames.
+xphost::ScenarioVerbRegistration uiWaitTextVerb(
+    "ui_wait_text", "ui_wait_text WINDOW TEXT [SECONDS]   (runs frames until the window draws TEXT; 10 s at most)",
+    [](ScenarioLine& line) {
+        if (line.args.size() < 3 || line.args.size() > 4) return std::string("usage: ui_wait_text WINDOW TEXT [SECONDS]");
+        double seconds = 10.0;
+        if (line.args.size() == 4 && !xphost::parseNumber(line.args[3], seconds)) return std::string("bad SECONDS");
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000));
+        std::string error;
+        do {
+            xphost::runFrames(1);
+            error = xphost::uiExpectText(line.args[1], line.args[2]);
+            if (error.empty()) {
+                *line.out << "ok \"" << line.args[2] << "\" shown\n";
+                return std::string();
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        } while (std::chrono::steady_clock::now() < end);
+        return error;
     });
 
 xphost::ScenarioVerbRegistration uiRectVerb(
