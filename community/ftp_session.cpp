@@ -6,14 +6,8 @@
 #include <mutex>
 #include <thread>
 
+#include "community_build.h"
 #include "platform/process_hooks.h"
-
-#ifndef VISTARIG_COMMUNITY_HOST
-#define VISTARIG_COMMUNITY_HOST "community.vistarig.invalid"
-#endif
-#ifndef VISTARIG_COMMUNITY_PASSWORD
-#define VISTARIG_COMMUNITY_PASSWORD "Vst#4817305926"
-#endif
 
 std::string communityServerAddress() {
     if (const char* seam = processCommunityServer()) return seam;
@@ -79,7 +73,9 @@ void guardTransfers(netbuf* control, TransferGuard& guard) {
     FtpCallbackOptions options{};
     options.cbFunc = transferGuardCallback;
     options.cbArg = &guard;
-    options.bytesXferred = 64 * 1024;
+    // After every read: a server that trickles a byte at a time never leaves the
+    // connection idle, yet Cancel and the deadline must still be seen.
+    options.bytesXferred = 1;
     options.idleTime = 100;
     FtpSetCallback(&options, control);
 }

@@ -35,7 +35,7 @@ void closeCommunitySession(netbuf* control);
 std::string lastReply(netbuf* control);
 
 // What may end a data transfer early. The guard is called by ftplib every 100 ms of
-// silence and every 64 KB; a transfer it ends fails like one the server broke off.
+// silence and after every read; a transfer it ends fails like one the server broke off.
 struct TransferGuard {
     enum Reason { none = 0, cancelled = 1, stalled = 2, tooLarge = 3, overDeadline = 4 };
     const std::atomic<int32_t>* cancel = nullptr;  // non-zero ends the transfer

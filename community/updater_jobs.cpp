@@ -113,6 +113,7 @@ std::string guardText(int reason) {
     switch (reason) {
         case TransferGuard::stalled: return " (the server stopped sending)";
         case TransferGuard::tooLarge: return " (the file is larger than a camera file can be)";
+        case TransferGuard::overDeadline: return " (the file took too long)";
         default: return "";
     }
 }
@@ -196,11 +197,25 @@ void runUpdaterUpdate(UpdaterJob& job) {
             for (const std::string& name : job.filesToDownload) {
                 if (job.cancelRequested) break;
                 const std::string remote = kServerFilePrefix + name;
-                if (!FtpGet(temporary.c_str(), remote.c_str(), FTPLIB_ASCII, control)) {
+                guard.deadline = std::chrono::steady_clock::now() + kFileTimeLimit;
+                // Image mode: ftplib reads ASCII data a whole line at a time, so a server that
+                // trickles bytes without a line feed would never let the guard see Cancel.
+                // The camera file reader takes either line end.
+                // The size the server announces, when it does: a transfer cut short can
+                // still end with a "226" (and a file too large is refused before it comes).
+                unsigned int announced = 0;
+                const bool sized = FtpSize(remote.c_str(), &announced, FTPLIB_IMAGE, control) != 0;
+                const bool got = FtpGet(temporary.c_str(), remote.c_str(), FTPLIB_IMAGE, control) != 0;
+                struct stat stored;
+                const bool whole = !sized || (stat(temporary.c_str(), &stored) == 0 &&
+                                              static_cast<uint64_t>(stored.st_size) == announced);
+                // A transfer the guard ended may still look complete to ftplib.
+                if (!got || !whole || guard.reason != TransferGuard::none) {
                     std::remove(temporary.c_str());
                     if (guard.reason == TransferGuard::cancelled) break;
                     job.errorText = "Unable to get aircraft file, " + name + ", from the community server, error: " +
-                                    lastReply(control) + guardText(guard.reason);
+                                    lastReply(control) + guardText(guard.reason) +
+                                    (got && !whole ? " (the transfer was cut short)" : "");
                     break;
                 }
                 if (job.cancelRequested) {

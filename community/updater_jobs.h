@@ -56,5 +56,7 @@ private:
 void runUpdaterCheck(UpdaterJob& job);
 void runUpdaterUpdate(UpdaterJob& job);
 
-// Stall and size bounds of the jobs' transfers.
+// Bounds of the jobs' transfers: silence, and the whole time of one file (a camera
+// file takes well under a second; a server that trickles bytes is cut off).
 constexpr std::chrono::milliseconds kTransferStallLimit{10000};
+constexpr std::chrono::milliseconds kFileTimeLimit{120000};

@@ -44,3 +44,12 @@ if [ ! -f "$imgui_dir/imgui.cpp" ]; then
   [ -f "$imgui_dir/imgui.cpp" ] || { echo "setup: could not fetch the ImGui sources" >&2; exit 1; }
 fi
 echo "setup: ImGui sources in $imgui_dir"
+
+# ftplib 4.0 from Debian's source package, for the same reason: Debian's static libftp.a
+# isn't position-independent, so CMake compiles ftplib.c into the plug-in (FTPLIB_SOURCE_DIR).
+ftplib_dir="$imgui_cache/ftplib-4.0-1"
+if [ ! -f "$ftplib_dir/src/ftplib.c" ]; then
+  (cd "$imgui_cache" && apt-get source -qq ftplib=4.0-1-4 >/dev/null)
+  [ -f "$ftplib_dir/src/ftplib.c" ] || { echo "setup: could not fetch the ftplib sources" >&2; exit 1; }
+fi
+echo "setup: ftplib sources in $ftplib_dir/src"

@@ -11,7 +11,7 @@ server serves every case of a test suite. Modes:
   drop           a file stops half-way and the connection is dropped
   stall-banner   a new connection never gets its welcome
   stall-reply    RETR, STOR and NLST never answer on the control connection
-  stall-data     RETR sends a little, then nothing more on an open data connection
+  trickle        RETR sends one byte every 50 ms, for an hour
   refuse-store   STOR is refused
 """
 import importlib.machinery
@@ -40,19 +40,18 @@ def mode():
 
 
 class Repeat:
-    """A producer of `total` bytes made of `piece`, then optionally a stall."""
+    """A producer of `total` bytes made of `piece`, each piece after `pause` seconds."""
 
-    def __init__(self, piece, total, stall_after=None):
-        self.piece, self.left, self.stall_after, self.sent = piece, total, stall_after, 0
+    def __init__(self, piece, total, pause=0):
+        self.piece, self.left, self.pause = piece, total, pause
 
     def more(self):
-        if self.stall_after is not None and self.sent >= self.stall_after:
-            time.sleep(FOREVER)
+        if self.pause:
+            time.sleep(self.pause)
         if self.left <= 0:
             return b""
         chunk = self.piece[: min(len(self.piece), self.left)]
         self.left -= len(chunk)
-        self.sent += len(chunk)
         return chunk
 
 
@@ -64,7 +63,13 @@ class Dropping:
         if not self.done:
             self.done = True
             return self.data[: len(self.data) // 2]
-        self.handler.close()
+        # Both connections cut at once, without a word: no "226" can follow.
+        import socket as sockets
+        for channel in (self.handler.data_channel, self.handler):
+            try:
+                channel.socket.shutdown(sockets.SHUT_RDWR)
+            except (OSError, AttributeError) as err:
+                sys.stderr.write("drop: %r\n" % (err,))
         return b""
 
 
@@ -104,8 +109,8 @@ class HostileHandler(community.CommunityHandler):
         if m == "huge-file" and in_files:
             self.push_dtp_data(Repeat(b"C" * 65536, 1 << 30), isproducer=True, cmd="RETR")
             return file
-        if m == "stall-data" and in_files:
-            self.push_dtp_data(Repeat(b"D" * 1000, 1 << 20, stall_after=1000), isproducer=True, cmd="RETR")
+        if m == "trickle" and in_files:
+            self.push_dtp_data(Repeat(b"D", 72000, pause=0.05), isproducer=True, cmd="RETR")
             return file
         if m == "drop" and in_files:
             with open(file, "rb") as f:
@@ -130,6 +135,8 @@ def main():
     parser.add_argument("--port", type=int, default=0)
     args = parser.parse_args()
     folder = os.path.abspath(args.folder)
+    import logging
+    logging.basicConfig(level=logging.WARNING)
     server = community.make_server(folder, "127.0.0.1", args.port, community.DEFAULT_PASSWORD,
                                    handler=HostileHandler, threaded=True)
     # Stalled threads sleep for an hour: leave at once.
