@@ -78,6 +78,8 @@ protected:
             std::filesystem::copy_file(font, root + "Resources/fonts/Roboto-Regular.ttf",
                                        std::filesystem::copy_options::overwrite_existing);
         }
+        // The plug-in keeps the folder it first worked out, which was an earlier test's.
+        overridePluginDirectory((root + "Resources/plugins/Vistarig/").c_str());
         ASSERT_TRUE(xphost::enablePlugin(plugin));
         writeFile("Aircraft/Laminar Research/Cessna 172 SP/Vistarig_Cessna_172SP.csv",
                   "Category Name,Camera Name,View ID,X,Y,Z,heading,pitch,TrackIR Enabled,Smooth Transition\n"
@@ -99,6 +101,7 @@ protected:
     void TearDown() override {
         server->setMode("normal");
         PluginTest::TearDown();
+        overridePluginDirectory(nullptr);
     }
 
     bool waitForScan() {
