@@ -197,13 +197,12 @@ void buildBrowsePopup() {
         const CameraFile& shown = b.selected > 0 && b.selected <= static_cast<int>(b.filtered.size())
                                       ? list[b.filtered[static_cast<size_t>(b.selected - 1)]].file
                                       : b.blankFile;
-        ImGui::Columns(2, "CommunityFileFields", false);
-        ImGui::SetColumnOffset(1, 170);
+        // Two columns, the second at 170: a fixed indent, which (unlike ImGui's columns)
+        // doesn't clip the first row to the columns' width of the frame before.
         auto row = [](const char* label, const char* value) {
             ImGui::TextUnformatted(label);
-            ImGui::NextColumn();
+            ImGui::SameLine(170);
             ImGui::TextUnformatted(value);
-            ImGui::NextColumn();
         };
         char number[64];
         row("File Name:", shown.fileName);
@@ -218,7 +217,6 @@ void buildBrowsePopup() {
         row("Created With:", number);
         std::snprintf(number, sizeof number, "%.2f", shown.defaultFov);
         row("Default FOV:", number);
-        ImGui::Columns(1);
     }
     ImGui::Spacing();
     if (ImGui::Button("Cancel", ImVec2(kButtonWidth, 0))) {
