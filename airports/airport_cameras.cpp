@@ -10,11 +10,11 @@
 #include "XPLMScenery.h"
 #include "airports/airport_files.h"
 #include "airports/apt_dat.h"
+#include "data/angles.h"
 #include "data/camera_set.h"
 #include "data/targets.h"
-#include "motion/angles.h"
+#include "data/user_messages.h"
 #include "motion/camera_pose.h"
-#include "panels/messages.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "data/great_circle.h"
 #include "motion/frame_driver.h"
 #include "motion/transitions.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 

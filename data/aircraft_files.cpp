@@ -5,10 +5,13 @@
 #include <ctime>
 #include <mutex>
 
+#include "XPLMPlanes.h"
+#include "XPLMPlugin.h"
+#include "XPLMUtilities.h"
 #include "data/camera_file.h"
 #include "data/text_io.h"
-#include "panels/messages.h"
-#include "shell/host_interface.h"
+#include "data/user_messages.h"
+#include "platform/runtime.h"
 
 namespace {
 

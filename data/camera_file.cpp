@@ -4,15 +4,16 @@
 #include <cstring>
 #include <ctime>
 
+#include "XPLMDataAccess.h"
 #include "data/aircraft_files.h"
+#include "data/integration_values.h"
 #include "data/kept_copies.h"
+#include "data/plugin_state.h"
 #include "data/quick_look.h"
 #include "data/text_io.h"
-#include "motion/camera_pose.h"
-#include "motion/frame_driver.h"
-#include "panels/messages.h"
-#include "shell/host_interface.h"
-#include "shell/integration_datarefs.h"
+#include "data/user_messages.h"
+#include "data/world_position.h"
+#include "platform/runtime.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "data/camera_file.h"
-#include "motion/frame_driver.h"
-#include "panels/messages.h"
-#include "shell/host_interface.h"
+#include "data/events.h"
+#include "data/plugin_state.h"
+#include "data/user_messages.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ Camera& currentSlot() {
 void restoreIfReselected(Camera* wasCurrent) {
     Camera* now = &currentSlot();
     if (now == wasCurrent && now->temporaryPositioning) {
-        beginRestore(now);
+        raiseRestoreBegun(now);
         restoreHomePosition(now);
     }
 }
@@ -144,7 +144,7 @@ void setCurrentCategoryIndex(int32_t index) {
 void selectCategory(int32_t index) {
     if (index < 0 || index >= gWorking.categoryCount) return;
     gCurrentCategory = index;
-    noteSelectionChanged();
+    raiseSelectionChanged();
 }
 
 void selectCamera(int32_t index) {
@@ -153,7 +153,7 @@ void selectCamera(int32_t index) {
     Camera* wasCurrent = &currentSlot();
     category->currentCamera = index;
     restoreIfReselected(wasCurrent);
-    noteSelectionChanged();
+    raiseSelectionChanged();
 }
 
 bool selectCategoryByCommand(int32_t index) {
@@ -250,7 +250,7 @@ bool selectViewId(int32_t id) {
     }
     if (current->viewId == id) {
         if (current->temporaryPositioning) {
-            beginRestore(current);
+            raiseRestoreBegun(current);
             restoreHomePosition(current);
         }
         return true;
@@ -265,7 +265,7 @@ bool selectViewId(int32_t id) {
                 // storage is reloaded: hand it a copy first.
                 static Camera callbackCopy;
                 callbackCopy = *current;
-                setCallbackCamera(&callbackCopy);
+                raiseCallbackCameraChanged(&callbackCopy);
                 loadCameraFile(cameraFileListHead());
                 if (c < gWorking.categoryCount) {
                     gCurrentCategory = c;

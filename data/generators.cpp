@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "data/camera_set.h"
-#include "panels/messages.h"
+#include "data/user_messages.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "data/aircraft_files.h"
 #include "data/text_io.h"
-#include "panels/messages.h"
-#include "shell/host_interface.h"
+#include "data/user_messages.h"
+#include "platform/runtime.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <string>
 
 #include "data/aircraft_files.h"
+#include "data/angles.h"
 #include "data/camera_file.h"
 #include "data/camera_set.h"
 #include "data/text_io.h"
-#include "motion/angles.h"
-#include "motion/camera_pose.h"
-#include "shell/host_interface.h"
+#include "data/vector_math.h"
+#include "platform/runtime.h"
 
 namespace {
 

@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "panels/messages.h"
-#include "shell/host_interface.h"
+#include "data/user_messages.h"
 
 namespace {
 

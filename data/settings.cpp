@@ -8,7 +8,7 @@
 #include "data/aircraft_files.h"
 #include "data/kept_copies.h"
 #include "data/text_io.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 

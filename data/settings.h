@@ -7,7 +7,7 @@
 #include <string>
 
 #include "data/kept_copies.h"
-#include "panels/window_placement.h"
+#include "data/window_position.h"
 
 // Each field is named by its key in the file; the two speed factors have no key.
 struct Settings {

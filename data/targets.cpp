@@ -6,11 +6,13 @@
 #include <ctime>
 #include <vector>
 
+#include "XPLMDataAccess.h"
+#include "XPLMGraphics.h"
 #include "data/aircraft_files.h"
 #include "data/kept_copies.h"
 #include "data/text_io.h"
-#include "panels/messages.h"
-#include "shell/host_interface.h"
+#include "data/user_messages.h"
+#include "platform/runtime.h"
 
 namespace {
 
@@ -268,3 +270,6 @@ void saveCameraAsTarget(const char* name) {
     addTarget(name, nullptr, latitude, longitude, elevation, 0);
     writeTargets();
 }
+
+bool freeTargetSelected() { return false; }
+void endFreeTargetAim(Camera*) {}

@@ -52,3 +52,11 @@ void readTargetsText(const char* text, size_t size, ReadLosses* losses = nullptr
 void readTargetsFrom(std::FILE* stream, ReadLosses* losses = nullptr);
 // The file's text for the grid.
 std::string formatTargets();
+
+// The Free Target's aiming, which mouse look ends; stand-ins until the target panels
+// come (the selection is never the Free Target yet).
+struct Camera;
+// The selected target is the Free Target (aimed by mouse look).
+bool freeTargetSelected();
+// End of a mouse-look aim at the Free Target: place it where the camera looks.
+void endFreeTargetAim(Camera* camera);

@@ -2,10 +2,10 @@
 
 #include <cmath>
 
+#include "XPLMDataAccess.h"
 #include "data/settings.h"
-#include "motion/camera_pose.h"
-#include "motion/movement.h"
-#include "shell/host_interface.h"
+#include "data/vector_math.h"
+#include "platform/runtime.h"
 
 namespace {
 
@@ -178,23 +178,20 @@ bool readAxis(int32_t axis, float& value) {
     return true;
 }
 
-void applyViewAxes(CameraPose& pose, const Camera& camera) {
-    if (input.calibrating) return;
-    // In a circle view the view axes move the camera round its centre instead of turning it.
-    if (camera.circleView && !camera.cameraAxis) {
-        applyAxisMotion(camera);
-        return;
-    }
+bool viewAxesCircle(const Camera& camera) { return camera.circleView && !camera.cameraAxis; }
+
+PoseOffsets viewAxisOffsets(const Camera& camera) {
+    PoseOffsets o;
+    if (input.calibrating || viewAxesCircle(camera)) return o;
     float value;
-    if (readAxis(input.cameraMotionAxisAssignment[kAxisViewHeading], value)) pose.heading += value * 180.0f;
-    if (readAxis(input.cameraMotionAxisAssignment[kAxisViewPitch], value)) pose.pitch += value * 180.0f;
+    if (readAxis(input.cameraMotionAxisAssignment[kAxisViewHeading], value)) o.setHeading(value * 180.0f);
+    if (readAxis(input.cameraMotionAxisAssignment[kAxisViewPitch], value)) o.setPitch(value * 180.0f);
+    return o;
 }
 
-void applyAxisMotion(const Camera& camera) {
-    const float move = movementStep();
-    const float rotate = rotationStep();
-    if (input.calibrating) return;
-    MovementState& motion = movementState();
+PoseOffsets axisMotionRates(const Camera& camera, float move, float rotate) {
+    PoseOffsets rates;
+    if (input.calibrating) return rates;
     Vector3 v;
     const float scale = move * 2.5f;
     for (int32_t i = 0; i < kAxisCount; ++i) {
@@ -202,11 +199,11 @@ void applyAxisMotion(const Camera& camera) {
         if (!readAxis(input.cameraMotionAxisAssignment[i], value)) continue;
         switch (i) {
             case kAxisViewHeading:
-                if (!camera.viewAxis) motion.rateHeading += value * rotate;
+                if (!camera.viewAxis) rates.setHeading(value * rotate);
                 else if (camera.circleView) v.x = value * scale;
                 break;
             case kAxisViewPitch:
-                if (!camera.viewAxis) motion.ratePitch += value * rotate;
+                if (!camera.viewAxis) rates.setPitch(value * rotate);
                 else if (camera.circleView) v.y = value * scale;
                 break;
             case kAxisCameraLeftRight:
@@ -226,9 +223,10 @@ void applyAxisMotion(const Camera& camera) {
         v = rotateVector(v, camera.pitch, 0.0f, 0.0f);
         v = rotateVector(v, 0.0f, camera.heading, 0.0f);
     }
-    motion.rateX += v.x;
-    motion.rateY += v.y;
-    motion.rateZ += v.z;
+    rates.setX(v.x);
+    rates.setY(v.y);
+    rates.setZ(v.z);
+    return rates;
 }
 
 bool axisZoom(float& zoom) {

@@ -1,14 +1,16 @@
 // Joystick axes that the user assigned to view functions in the simulator: six axis
 // records with their filters, the two ways of reading them (the simulator's mapped
 // axes, and the raw arrays of older versions), and what they do to the camera: view
-// heading and pitch, zoom, and movement rates. Also `cameraMotionAxisAssignment`, the
-// function-to-axis table that other plug-ins can rewrite. Main thread only.
+// heading and pitch, zoom, and movement rates, each handed over to the motion layer.
+// Also `cameraMotionAxisAssignment`, the function-to-axis table that other plug-ins
+// can rewrite. Main thread only.
 #pragma once
 
 #include <cstdint>
 
 #include "data/camera_set.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
+#include "inputs/pose_offsets.h"
 
 enum : int32_t {
     kAxisViewHeading = 0,
@@ -53,10 +55,15 @@ bool setCameraMotionAxisAssignment(int32_t entry, int32_t value);
 void rescanAxes();
 // False when the axis gives no reading; `value` is then 0. `axis` may be negative.
 bool readAxis(int32_t axis, float& value);
-// View heading and pitch onto a pose (a circle view camera moves instead).
-void applyViewAxes(CameraPose& pose, const Camera& camera);
-// Axis input into the movement rates.
-void applyAxisMotion(const Camera& camera);
+// A circle view camera without camera axes is moved round its centre by the view
+// axes (through the movement rates) instead of being turned by them.
+bool viewAxesCircle(const Camera& camera);
+// View heading and pitch as offsets on a pose; nothing for such a circle view or
+// during calibration.
+PoseOffsets viewAxisOffsets(const Camera& camera);
+// Axis input as additions to the movement rates (x, y, z, heading, pitch), given the
+// movement and rotation steps of the moment; nothing during calibration.
+PoseOffsets axisMotionRates(const Camera& camera, float moveStep, float rotateStep);
 // The zoom from the zoom axis; false when the axis gives no reading or during calibration.
 bool axisZoom(float& zoom);
 

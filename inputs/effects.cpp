@@ -1,10 +1,8 @@
 #include "inputs/effects.h"
 
-#include "inputs/axis_input.h"
-#include "inputs/trackir.h"
-#include "motion/mouse_look.h"
-#include "shell/host_interface.h"
-#include "shell/integration_datarefs.h"
+#include "XPLMDataAccess.h"
+#include "data/integration_values.h"
+#include "platform/runtime.h"
 
 namespace {
 HeadShakeLink link{};
@@ -38,14 +36,16 @@ void headShakeOverride(bool on) {
     if (headShakeAvailable()) XPLMSetDatai(link.override, on ? 1 : 0);
 }
 
-void applyHeadShake(CameraPose& pose) {
-    if (!link.available) return;
-    pose.x += XPLMGetDataf(link.offsetX);
-    pose.y += XPLMGetDataf(link.offsetY);
-    pose.z += XPLMGetDataf(link.offsetZ);
-    pose.heading += XPLMGetDataf(link.offsetYaw);
-    pose.pitch += XPLMGetDataf(link.offsetPitch);
-    pose.roll += XPLMGetDataf(link.offsetRoll);
+PoseOffsets headShakeOffsets() {
+    PoseOffsets o;
+    if (!link.available) return o;
+    o.setX(XPLMGetDataf(link.offsetX));
+    o.setY(XPLMGetDataf(link.offsetY));
+    o.setZ(XPLMGetDataf(link.offsetZ));
+    o.setHeading(XPLMGetDataf(link.offsetYaw));
+    o.setPitch(XPLMGetDataf(link.offsetPitch));
+    o.setRoll(XPLMGetDataf(link.offsetRoll));
+    return o;
 }
 
 bool effectOffsetsApply(const Camera& camera) {
@@ -53,32 +53,19 @@ bool effectOffsetsApply(const Camera& camera) {
     return (camera.xpRealistic && in.xpRealisticPresent != 0) || (camera.realView && in.realViewPresent != 0);
 }
 
-void applyCameraInputs(Camera* camera, CameraPose& pose) {
-    if (camera == nullptr) return;
-    IntegrationValues& in = integrationValues();
-    in.vistarigEnabled = camera->trackIrEnabled ? 2 : 1;
+PoseOffsets effectPluginOffsets(const Camera& camera) {
+    PoseOffsets o;
+    if (!effectOffsetsApply(camera)) return o;
+    const IntegrationValues& in = integrationValues();
+    o.setAll(in.xOffset, in.yOffset, in.zOffset, in.headingOffset, in.pitchOffset, in.rollOffset);
+    return o;
+}
 
-    // Head tracking takes the camera in place of the view axes. Mouse look still
-    // shows on top of it while the button is held: without it a drag showed nothing
-    // and the view jumped by the whole drag when the button came up.
-    if (!TrackIRIsActive() || !camera->trackIrEnabled) {
-        applyMouseLookOffsets(camera, pose);
-        if (camera->viewAxis) applyViewAxes(pose, *camera);
-    } else {
-        TrackIRApply(pose);
-        applyMouseLookOffsets(camera, pose);
-    }
-    if (camera->trackIrEnabled && in.headtrackingPresent != 0) applyExternalHeadTracking(*camera, pose);
-    storeCurrentHeadPose(pose);
-    // The limits bound the head only; the effects below may carry the view past them.
-    applyTrackIrLimits(*camera, pose);
-    if (camera->headShake) applyHeadShake(pose);
-    if (effectOffsetsApply(*camera)) {
-        pose.x += in.xOffset;
-        pose.y += in.yOffset;
-        pose.z += in.zOffset;
-        pose.heading += in.headingOffset;
-        pose.pitch += in.pitchOffset;
-        pose.roll += in.rollOffset;
-    }
+PoseOffsets scriptOffsets(const Camera& camera) {
+    PoseOffsets o;
+    if (camera.scriptId <= 0) return o;
+    const IntegrationValues& v = integrationValues();
+    o.setAll(v.effectScriptXOffset, v.effectScriptYOffset, v.effectScriptZOffset, v.effectScriptHeadingOffset,
+             v.effectScriptPitchOffset, v.effectScriptRollOffset);
+    return o;
 }

@@ -1,11 +1,13 @@
 // Effect plug-ins that move the view while this plug-in drives the camera: HeadShake
 // (whose datarefs are read), XP-Realistic and RealView (which write the integration
-// offsets), and `applyCameraInputs`, the fixed order in which head tracking, mouse
-// look, view axes, limits and effects reach a pose. Main thread only.
+// offsets) and the effect script offsets, each handed over as the offsets it adds;
+// `applyCameraInputs` (motion/camera_inputs) applies them in their fixed order. Main
+// thread only.
 #pragma once
 
 #include "XPLMDataAccess.h"
 #include "data/camera_set.h"
+#include "inputs/pose_offsets.h"
 
 struct HeadShakeLink {
     bool checked;
@@ -20,10 +22,12 @@ HeadShakeLink& headShakeLink();
 bool headShakeAvailable();
 // 1 at camera enable, 0 at camera disable: HeadShake then leaves the view to us.
 void headShakeOverride(bool on);
-void applyHeadShake(CameraPose& pose);
+// HeadShake's six offsets; nothing while HeadShake isn't there.
+PoseOffsets headShakeOffsets();
 
 // The six XP-Realistic/RealView offsets reach this camera now.
 bool effectOffsetsApply(const Camera& camera);
-// Head tracking or mouse look and view axes, outside head tracking, the head pose for
-// the TrackIR pane, the limits, then HeadShake and the XP-Realistic/RealView offsets.
-void applyCameraInputs(Camera* camera, CameraPose& pose);
+// Those six offsets, or nothing when they don't reach the camera.
+PoseOffsets effectPluginOffsets(const Camera& camera);
+// The six effect script offsets of a camera with a script ID, else nothing.
+PoseOffsets scriptOffsets(const Camera& camera);

@@ -5,12 +5,11 @@
 #include <string>
 
 #include "data/aircraft_files.h"
+#include "data/integration_values.h"
 #include "data/settings.h"
-#include "motion/movement.h"
 #include "platform/library_loader.h"
 #include "platform/registry.h"
-#include "shell/host_interface.h"
-#include "shell/integration_datarefs.h"
+#include "platform/runtime.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -117,12 +116,12 @@ void* activeWindowHandle() {
 #endif
 }
 
-void poll() {
+void poll(int32_t speedSelector) {
     if (!client.active) return;
     unsigned char buffer[kTrackIrFrameBytes];
     std::memset(buffer, 0, sizeof buffer);
     if (callEntry(client.functions.getData, static_cast<void*>(buffer)) != 0) return;
-    acceptTrackIrFrame(client, decodeTrackIrFrame(buffer), headTrackRange(movementState().speedSelector));
+    acceptTrackIrFrame(client, decodeTrackIrFrame(buffer), headTrackRange(speedSelector));
 }
 
 void clearFilters(RunningAverage (&filters)[kHeadValueCount]) {
@@ -158,15 +157,14 @@ bool acceptTrackIrFrame(TrackIrClient& target, const TrackIrFrame& frame, float 
     return true;
 }
 
-void combineHeadOffsets(CameraPose& pose, const float head[kHeadValueCount], float cosHeading) {
+PoseOffsets headTrackerOffsets(const float head[kHeadValueCount], float cosHeading) {
     // No sine term: a camera looking sideways loses the horizontal offsets, one looking
-    // back has them reversed. The heading is left unnormalised for the caller.
-    pose.x -= head[kHeadX] * cosHeading;
-    pose.y += head[kHeadY];
-    pose.z += head[kHeadZ] * cosHeading;
-    pose.heading -= head[kHeadYaw];
-    pose.pitch -= head[kHeadPitch];
-    pose.roll -= head[kHeadRoll];
+    // back has them reversed. The heading is left unnormalised for the caller. A
+    // subtraction is the sum of the negated value, bit for bit.
+    PoseOffsets o;
+    o.setAll(-(head[kHeadX] * cosHeading), head[kHeadY], head[kHeadZ] * cosHeading, -head[kHeadYaw],
+             -head[kHeadPitch], -head[kHeadRoll]);
+    return o;
 }
 
 float headTrackRange(int32_t speedSelector) {
@@ -221,10 +219,10 @@ void TrackIRStop(int32_t& status) {
 
 bool TrackIRIsActive() { return client.active; }
 
-void TrackIRApply(CameraPose& pose) {
+PoseOffsets trackIrOffsets(float heading, int32_t speedSelector) {
     // The cosine belongs to the pose as it came in, before any head yaw.
-    const float c = static_cast<float>(std::cos(static_cast<double>(pose.heading) * kRadiansPerDegree));
-    poll();
+    const float c = static_cast<float>(std::cos(static_cast<double>(heading) * kRadiansPerDegree));
+    poll(speedSelector);
     if (client.filtersFresh) {
         clearFilters(client.filters);
         client.filtersFresh = false;
@@ -235,7 +233,7 @@ void TrackIRApply(CameraPose& pose) {
     if (n > 0) {
         for (int i = 0; i < kHeadValueCount; ++i) head[i] = average(client.filters[i], n, head[i]);
     }
-    combineHeadOffsets(pose, head, c);
+    return headTrackerOffsets(head, c);
 }
 
 void clampToTrackIrLimits(const Camera& camera, CameraPose& pose) {
@@ -253,36 +251,29 @@ void applyTrackIrLimits(const Camera& camera, CameraPose& pose) {
         clampToTrackIrLimits(camera, pose);
 }
 
-void applyExternalHeadTracking(const Camera& camera, CameraPose& pose) {
+PoseOffsets externalHeadTrackingOffsets(int32_t speedSelector) {
     const IntegrationValues& in = integrationValues();
     if (client.externalFiltersFresh) {
         clearFilters(client.externalFilters);
         client.externalFiltersFresh = false;
     }
     const int32_t n = settings().HEAD_TRACK_SMOOTHING_FACTOR;
-    const float range = headTrackRange(movementState().speedSelector);
+    const float range = headTrackRange(speedSelector);
     RunningAverage* f = client.externalFilters;
-    pose.x += average(f[kHeadX], n, in.headtrackingXOffset) * range;
-    pose.y += average(f[kHeadY], n, in.headtrackingYOffset) * range;
-    pose.z += average(f[kHeadZ], n, in.headtrackingZOffset) * range;
-    pose.heading += average(f[kHeadYaw], n, in.headtrackingHeadingOffset);
-    pose.pitch += average(f[kHeadPitch], n, in.headtrackingPitchOffset);
-    pose.roll += average(f[kHeadRoll], n, in.headtrackingRollOffset);
+    PoseOffsets o;
+    o.setX(average(f[kHeadX], n, in.headtrackingXOffset) * range);
+    o.setY(average(f[kHeadY], n, in.headtrackingYOffset) * range);
+    o.setZ(average(f[kHeadZ], n, in.headtrackingZOffset) * range);
+    o.setHeading(average(f[kHeadYaw], n, in.headtrackingHeadingOffset));
+    o.setPitch(average(f[kHeadPitch], n, in.headtrackingPitchOffset));
+    o.setRoll(average(f[kHeadRoll], n, in.headtrackingRollOffset));
+    return o;
+}
+
+void applyExternalHeadTrackingLimits(const Camera& camera, CameraPose& pose) {
     // An outside tracker is limited whether or not the TrackIR client runs.
     if (camera.limitTrackIr && !camera.external) clampToTrackIrLimits(camera, pose);
 }
 
 const CameraPose& currentHeadPose() { return client.currentHeadPose; }
 void storeCurrentHeadPose(const CameraPose& pose) { client.currentHeadPose = pose; }
-
-void snapCameraToTrackIr() {
-    Camera* camera = currentCamera();
-    if (camera == nullptr) return;
-    CameraPose pose = cameraPose(camera);
-    if (client.active && camera->trackIrEnabled) TrackIRApply(pose);
-    camera->x = pose.x;
-    camera->y = pose.y;
-    camera->z = pose.z;
-    camera->heading = pose.heading;
-    camera->pitch = pose.pitch;
-}

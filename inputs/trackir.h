@@ -1,14 +1,15 @@
 // The TrackIR head tracker: the client library's table of entry points, the start and
 // stop sequences with their status values, the 80-byte data frame, polling from the
-// camera calculation, smoothing, the head offsets on a pose, external head tracking fed
-// through the integration datarefs, the cockpit limits and the snap. One client for the
+// camera calculation, smoothing, the head offsets for a pose, external head tracking fed
+// through the integration datarefs and the cockpit limits. One client for the
 // whole plug-in; main thread only.
 #pragma once
 
 #include <cstdint>
 
 #include "data/camera_set.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
+#include "inputs/pose_offsets.h"
 
 // trackIrStatus values, shown by System Check.
 enum : int32_t {
@@ -95,12 +96,15 @@ void TrackIRStop(int32_t& status);
 bool TrackIRIsActive();
 
 // ---- the camera calculation
-// Polls the client and adds the smoothed head offsets; only for a camera with
-// trackIrEnabled while the client is active.
-void TrackIRApply(CameraPose& pose);
-// Offsets of an outside head tracker (integration datarefs), with their own filters
-// and the limits at once; only while headtracking_present is non-zero.
-void applyExternalHeadTracking(const Camera& camera, CameraPose& pose);
+// Polls the client and hands over the smoothed head offsets for a pose of this
+// heading; only for a camera with trackIrEnabled while the client is active. The
+// speed selector (motion's) sets the range.
+PoseOffsets trackIrOffsets(float heading, int32_t speedSelector);
+// Offsets of an outside head tracker (integration datarefs), with their own filters;
+// only while headtracking_present is non-zero.
+PoseOffsets externalHeadTrackingOffsets(int32_t speedSelector);
+// The limits that follow them at once, whether or not the TrackIR client runs.
+void applyExternalHeadTrackingLimits(const Camera& camera, CameraPose& pose);
 // Holds x, y, z within the camera's limits: the position in the aircraft, not the offset.
 void clampToTrackIrLimits(const Camera& camera, CameraPose& pose);
 // The cockpit limits apply only with an active client.
@@ -108,17 +112,13 @@ void applyTrackIrLimits(const Camera& camera, CameraPose& pose);
 const CameraPose& currentHeadPose();
 void storeCurrentHeadPose(const CameraPose& pose);
 
-// Puts the head position into the selected camera (x, y, z, heading, pitch; roll stays).
-// The caller stops camera motion first.
-void snapCameraToTrackIr();
-
 // ---- pieces without the library, for tests and the panel
 // Decodes the used fields of an 80-byte frame.
 TrackIrFrame decodeTrackIrFrame(const unsigned char* bytes);
 // Stores the six head values of a usable new frame; false when the frame is skipped
 // (non-zero status, or the signature last seen).
 bool acceptTrackIrFrame(TrackIrClient& client, const TrackIrFrame& frame, float range);
-// Subtracts/adds the head values with the heading's cosine as the only horizontal scale.
-void combineHeadOffsets(CameraPose& pose, const float head[kHeadValueCount], float cosHeading);
+// The head values as offsets, the heading's cosine the only horizontal scale.
+PoseOffsets headTrackerOffsets(const float head[kHeadValueCount], float cosHeading);
 // Head track range of a speed selector value (0 small .. 3 very large).
 float headTrackRange(int32_t speedSelector);

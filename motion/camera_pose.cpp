@@ -3,11 +3,12 @@
 #include <cmath>
 #include <cstring>
 
+#include "XPLMDataAccess.h"
+#include "XPLMScenery.h"
+#include "data/angles.h"
 #include "inputs/effects.h"
-#include "motion/angles.h"
+#include "motion/camera_inputs.h"
 #include "motion/frame_driver.h"
-#include "shell/host_interface.h"
-#include "shell/integration_datarefs.h"
 
 namespace {
 
@@ -34,29 +35,6 @@ void bind() {
 
 float getf(XPLMDataRef ref) { return ref ? XPLMGetDataf(ref) : 0.0f; }
 double getd(XPLMDataRef ref) { return ref ? XPLMGetDatad(ref) : 0.0; }
-
-struct Quaternion {
-    double w, x, y, z;
-};
-
-// q v q* for a unit quaternion, in the expanded form v + 2w(u x v) + 2u x (u x v).
-Vector3 rotateByQuaternion(const Quaternion& q, Vector3 v) {
-    double vx = v.x, vy = v.y, vz = v.z;
-    double tx = 2.0 * (q.y * vz - q.z * vy);
-    double ty = 2.0 * (q.z * vx - q.x * vz);
-    double tz = 2.0 * (q.x * vy - q.y * vx);
-    Vector3 r;
-    r.x = static_cast<float>(vx + q.w * tx + (q.y * tz - q.z * ty));
-    r.y = static_cast<float>(vy + q.w * ty + (q.z * tx - q.x * tz));
-    r.z = static_cast<float>(vz + q.w * tz + (q.x * ty - q.y * tx));
-    return r;
-}
-
-Quaternion axisAngle(double ax, double ay, double az, double degrees) {
-    double half = degrees * kRadians * 0.5;
-    double s = std::sin(half);
-    return {std::cos(half), ax * s, ay * s, az * s};
-}
 
 // Position of a camera-frame offset in the local frame of the origin.
 void placeInOrigin(const Origin& o, Vector3 v, double& x, double& y, double& z) {
@@ -114,21 +92,6 @@ void initCameraPose() {
 float counterAngle(float a) {
     if (a >= 360.0f) a = 360.0f - a;
     return a > 180.0f ? 360.0f - a : -a;
-}
-
-Vector3 rotateVector(Vector3 v, float pitch, float heading, float roll) {
-    // Each angle is a turn about one axis of the object frame: pitch about x, heading
-    // about y (clockwise seen from above), roll about z (right wing down).
-    if (pitch != 0.0f) v = rotateByQuaternion(axisAngle(1, 0, 0, foldAngle(pitch)), v);
-    if (heading != 0.0f) v = rotateByQuaternion(axisAngle(0, 1, 0, -static_cast<double>(heading)), v);
-    if (roll != 0.0f) v = rotateByQuaternion(axisAngle(0, 0, 1, -static_cast<double>(roll)), v);
-    return v;
-}
-
-Vector3 rotateByAttitude(Vector3 v, float pitch, float heading, float roll) {
-    v = rotateVector(v, 0.0f, 0.0f, roll);
-    v = rotateVector(v, pitch, 0.0f, 0.0f);
-    return rotateVector(v, 0.0f, heading, 0.0f);
 }
 
 Origin aircraftOrigin() {
@@ -235,31 +198,7 @@ bool groundHeight(double x, double y, double z, double& height) {
     return hit;
 }
 
-void worldToLocal(Camera* camera) {
-    if (!camera->freeCamera) return;
-    double x, y, z;
-    XPLMWorldToLocal(camera->latitude, camera->longitude, camera->elevation, &x, &y, &z);
-    camera->x = static_cast<float>(x);
-    camera->y = static_cast<float>(y);
-    camera->z = static_cast<float>(z);
-    refreshHomePose(camera);
-}
-
-void localToWorld(Camera* camera) {
-    XPLMLocalToWorld(camera->x, camera->y, camera->z, &camera->latitude, &camera->longitude,
-                     &camera->elevation);
-}
-
-void applyScriptOffsets(const Camera* camera, CameraPose& pose) {
-    if (camera->scriptId <= 0) return;
-    const IntegrationValues& v = integrationValues();
-    pose.x += v.effectScriptXOffset;
-    pose.y += v.effectScriptYOffset;
-    pose.z += v.effectScriptZOffset;
-    pose.heading += v.effectScriptHeadingOffset;
-    pose.pitch += v.effectScriptPitchOffset;
-    pose.roll += v.effectScriptRollOffset;
-}
+void applyScriptOffsets(const Camera* camera, CameraPose& pose) { addOffsets(pose, scriptOffsets(*camera)); }
 
 namespace {
 

@@ -1,17 +1,16 @@
 // Camera pose arithmetic: how the stored values of a camera become what the simulator
-// receives. Owns the rotation of all pose arithmetic, the origins an outside camera
-// hangs on (the aircraft, the carrier, the frigate), aiming, the level rules, terrain
-// probes, the free camera's world/local conversion, the script offsets and the world
-// pose of an outside camera. No state beyond the dataref handles.
+// receives. Owns the origins an outside camera hangs on (the aircraft, the carrier,
+// the frigate), aiming, the level rules, terrain probes, where the script offsets
+// act, and the world pose of an outside camera. The rotation itself (`rotateVector`)
+// and the free camera's world/local conversion are data/'s, below. No state beyond
+// the dataref handles.
 #pragma once
 
 #include <cstdint>
 
 #include "data/camera_set.h"
-
-struct Vector3 {
-    float x = 0, y = 0, z = 0;
-};
+#include "data/vector_math.h"
+#include "data/world_position.h"
 
 // A point in local coordinates, given to the aiming operations.
 struct AimPoint {
@@ -30,14 +29,6 @@ void initCameraPose();
 
 // The signed opposite of an attitude angle.
 float counterAngle(float a);
-
-// Rotates v by one of the three angles (the others zero) through a unit quaternion in
-// double precision; the result is rounded to float. Positive pitch turns -z up,
-// heading 90 turns -z to +x, positive roll turns +x down. A full attitude is applied
-// as three calls: roll, then pitch, then heading.
-Vector3 rotateVector(Vector3 v, float pitch, float heading, float roll);
-// The three calls of a full attitude.
-Vector3 rotateByAttitude(Vector3 v, float pitch, float heading, float roll);
 
 Origin originOf(const Camera* camera);
 Origin aircraftOrigin();
@@ -63,8 +54,5 @@ void externalPose(Camera* camera, CameraPose& out, const CameraPose& in);
 
 // Local height of the terrain under the point; false when the probe misses.
 bool groundHeight(double x, double y, double z, double& height);
-
-void worldToLocal(Camera* camera);
-void localToWorld(Camera* camera);
 
 void applyScriptOffsets(const Camera* camera, CameraPose& pose);

@@ -2,24 +2,28 @@
 
 #include <cmath>
 
+#include "XPLMCamera.h"
+#include "XPLMDataAccess.h"
 #include "XPLMDisplay.h"
 #include "XPLMGraphics.h"
 #include "XPLMUtilities.h"
+#include "data/angles.h"
+#include "data/events.h"
+#include "data/plugin_state.h"
 #include "data/settings.h"
 #include "inputs/axis_input.h"
-#include "inputs/effects.h"
-#include "motion/angles.h"
+#include "motion/camera_inputs.h"
 #include "motion/camera_pose.h"
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
 #include "motion/transitions.h"
-#include "shell/host_interface.h"
-#include "airports/airport_files.h"
+#include "platform/runtime.h"
 
 namespace {
 
 FrameDriver gDriver;
 ViewDatarefs gRefs;
+void (*gNearestAirportSelector)() = nullptr;
 
 constexpr int kCockpitViewType = 1026;
 constexpr int kExternalViewType = 1028;
@@ -97,7 +101,7 @@ bool reconcileView(Camera* current) {
     }
     if (userChoseExternalView()) {
         if (!d.headRollAvailable) setf(gRefs.headRoll, 0.0f);
-        if (getf(gRefs.fieldOfView) != d.defaultFov) setFieldOfView(d.defaultFov);
+        if (getf(gRefs.fieldOfView) != defaultFov()) setFieldOfView(defaultFov());
         return false;
     }
     return true;
@@ -107,7 +111,6 @@ bool reconcileView(Camera* current) {
 
 FrameDriver& frameDriver() { return gDriver; }
 ViewDatarefs& viewDatarefs() { return gRefs; }
-float defaultFov() { return gDriver.defaultFov; }
 
 void initFrameDriver() {
     initCameraPose();
@@ -131,8 +134,23 @@ void initFrameDriver() {
     bool rollAvailable = gDriver.headRollAvailable;
     gDriver = FrameDriver();
     gDriver.headRollAvailable = rollAvailable;
+    // Until the camera level reads the simulator's, as every host enable has had it.
+    pluginState().defaultFov = 60.0f;
     prime(gDriver.frameRateFilter, 100, 30.0f);
+
+    DataEvents events;
+    events.selectionChanged = noteSelectionChanged;
+    events.restoreBegun = beginRestore;
+    events.callbackCameraChanged = setCallbackCamera;
+    subscribeDataEvents(events);
 }
+
+void closeFrameDriver() {
+    unsubscribeDataEvents();
+    gNearestAirportSelector = nullptr;
+}
+
+void setNearestAirportSelector(void (*select)()) { gNearestAirportSelector = select; }
 
 void noteSelectionChanged() { gDriver.selectionChanged = true; }
 
@@ -248,7 +266,7 @@ void runFrame() {
     // it falls due on the same frame in every run.
     d.nearestAirportTimer += plugin.lastFrameSeconds;
     if (d.nearestAirportTimer >= kNearestAirportSeconds - kTimerSlack) {
-        if (isAirportSetActive() && d.autoNearestAirport) selectNearestAirportCamera();
+        if (isAirportSetActive() && d.autoNearestAirport && gNearestAirportSelector) gNearestAirportSelector();
         d.nearestAirportTimer = 0.0;
     }
 

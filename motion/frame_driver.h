@@ -10,7 +10,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMDisplay.h"
 #include "data/camera_set.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
 
 struct FrameDriver {
     CameraPose framePose;
@@ -20,7 +20,6 @@ struct FrameDriver {
     double lastCallbackTime = 0;  // simulator seconds of the last camera callback
     bool selectionChanged = false;
     bool cockpitReturnRequested = false;
-    float defaultFov = 60.0f;
     RunningAverage frameRateFilter;
     double nearestAirportTimer = 0;  // simulator seconds since the last nearest airport test
     bool autoNearestAirport = false;
@@ -53,8 +52,14 @@ struct ViewDatarefs {
 FrameDriver& frameDriver();
 ViewDatarefs& viewDatarefs();
 
-// Finds the view datarefs and resets the driver; called at host enable.
+// Finds the view datarefs, resets the driver and subscribes it to the camera data's
+// events (data/events); called at host enable.
 void initFrameDriver();
+// Unsubscribes it again and forgets the nearest airport selector; host disable.
+void closeFrameDriver();
+// The nearest airport choice lives above this layer (airports/): the shell hands it
+// in at host enable, and the driver calls it when the timer falls due.
+void setNearestAirportSelector(void (*select)());
 
 void runFrame();
 void noteSelectionChanged();
@@ -72,7 +77,6 @@ float currentFrameRate();
 void setCallbackCamera(Camera* camera);
 void beginRestore(Camera* camera);
 CameraPose readHeadPose();
-float defaultFov();
 
 int cameraCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon);
 int zoomOnceCallback(XPLMCameraPosition_t* position, int losingControl, void* refcon);

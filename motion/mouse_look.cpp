@@ -3,15 +3,19 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "XPLMDataAccess.h"
+#include "XPLMDefs.h"
+#include "XPLMDisplay.h"
+#include "XPLMUtilities.h"
+#include "data/angles.h"
+#include "data/plugin_state.h"
 #include "data/settings.h"
-#include "motion/angles.h"
+#include "data/targets.h"
 #include "motion/camera_pose.h"
 #include "motion/frame_driver.h"
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "platform/middle_button.h"
-#include "shell/host_interface.h"
-#include "shell/pending_actions.h"
 
 namespace {
 
@@ -266,13 +270,14 @@ void updateMouseLook(CameraPose& pose, Camera* camera) {
     state.mouseLookActive = false;
 }
 
-void applyMouseLookOffsets(Camera*, CameraPose& pose) {
-    if (!state.mouseLookActive || (state.lookOffsetX == 0 && state.lookOffsetY == 0)) return;
+PoseOffsets mouseLookOffsets() {
+    PoseOffsets o;
+    if (!state.mouseLookActive || (state.lookOffsetX == 0 && state.lookOffsetY == 0)) return o;
     int32_t n = smoothing();
-    pose.heading = addAngles(
-        pose.heading, average(state.lookFilterX, n, static_cast<float>(state.lookOffsetX) * state.degreesPerPixelX));
-    pose.pitch = addAngles(
-        pose.pitch, average(state.lookFilterY, n, static_cast<float>(state.lookOffsetY) * state.degreesPerPixelY));
+    o.wrapsAngles = true;
+    o.setHeading(average(state.lookFilterX, n, static_cast<float>(state.lookOffsetX) * state.degreesPerPixelX));
+    o.setPitch(average(state.lookFilterY, n, static_cast<float>(state.lookOffsetY) * state.degreesPerPixelY));
+    return o;
 }
 
 // ---------------------------------------------------------------- mouse moves

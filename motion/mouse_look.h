@@ -9,7 +9,8 @@
 #include "XPLMDisplay.h"
 #include "XPLMUtilities.h"
 #include "data/camera_set.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
+#include "inputs/pose_offsets.h"
 
 struct MouseState {
     XPLMWindowID inputWindow = nullptr;
@@ -50,8 +51,8 @@ void toggleMouseLook();
 
 // Once a frame after the pose is known: starts, follows and ends the look gesture.
 void updateMouseLook(CameraPose& pose, Camera* camera);
-// Adds the running gesture's smoothed offset to the frame's pose only.
-void applyMouseLookOffsets(Camera* camera, CameraPose& pose);
+// The running gesture's smoothed offset, for the frame's pose only.
+PoseOffsets mouseLookOffsets();
 
 // Starts (modes 1 to 4) or ends (0) dragging the camera with the mouse.
 void beginMouseMove(int32_t mode);

@@ -1,11 +1,11 @@
 #include "motion/movement.h"
 
+#include "data/angles.h"
+#include "data/integration_values.h"
+#include "data/plugin_state.h"
 #include "data/settings.h"
-#include "motion/angles.h"
 #include "motion/camera_pose.h"
 #include "motion/transitions.h"
-#include "shell/host_interface.h"
-#include "shell/integration_datarefs.h"
 
 namespace {
 

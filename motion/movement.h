@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "data/camera_set.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
 
 struct MovementState {
     int32_t speedSelector = 1;  // 0 small, 1 medium, 2 large, 3 very large

@@ -5,11 +5,12 @@
 #include <memory>
 #include <vector>
 
+#include "data/plugin_state.h"
 #include "data/settings.h"
 #include "motion/camera_pose.h"
 #include "motion/frame_driver.h"
 #include "motion/movement.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 

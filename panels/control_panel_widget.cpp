@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "XPLMDisplay.h"
+#include "XPLMGraphics.h"
 #include "airports/airport_files.h"
 #include "data/camera_file.h"
 #include "data/camera_set.h"
@@ -15,8 +17,8 @@
 #include "panels/community_popups.h"
 #include "panels/movement_pane.h"
 #include "panels/msg_box_widget.h"
-#include "shell/host_interface.h"
-#include "shell/pending_actions.h"
+#include "panels/pending_actions.h"
+#include "platform/runtime.h"
 
 namespace {
 

@@ -8,14 +8,8 @@
 #include <cstdio>
 
 #include "XPLMDisplay.h"
+#include "data/window_position.h"
 #include "panels/img_window_logic.h"
-
-// A saved panel place. kind: 0 nothing recorded, 1 inside the simulator (global
-// boxels), 2 popped out (OS pixels), 3 docked.
-struct WindowPosition {
-    int kind = 0;
-    int left = 0, top = 0, right = 0, bottom = 0;
-};
 
 constexpr int maxMonitors = 15;
 

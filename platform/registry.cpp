@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 void setText(char* path, int capacity, const char* text) {

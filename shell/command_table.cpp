@@ -12,9 +12,9 @@
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
 #include "motion/transitions.h"
-#include "shell/host_interface.h"
 #include "panels/control_panel_widget.h"
-#include "shell/pending_actions.h"
+#include "panels/pending_actions.h"
+#include "shell/host_interface.h"
 
 namespace {
 

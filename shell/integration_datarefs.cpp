@@ -50,7 +50,8 @@ const char* const kNames[kIntegrationDatarefCount] = {
     "SelectedCamera",
 };
 
-IntegrationValues values{};
+// The stored values live below (data/integration_values), where the inputs read them.
+IntegrationValues& values = integrationValues();
 XPLMDataRef handles[kIntegrationDatarefCount] = {};
 bool published = false;
 XPLMDataRef viewTypeRef = nullptr;
@@ -165,8 +166,6 @@ void selectCameraByNumber(int value) {
 }
 
 }  // namespace
-
-IntegrationValues& integrationValues() { return values; }
 
 const char* integrationDatarefName(int32_t index) {
     if (index < 0 || index >= kIntegrationDatarefCount) return nullptr;
@@ -316,7 +315,3 @@ void unpublishIntegrationDatarefs() {
     published = false;
 }
 
-void clearEffectScriptOffsets() {
-    values.effectScriptXOffset = values.effectScriptYOffset = values.effectScriptZOffset = 0.0f;
-    values.effectScriptPitchOffset = values.effectScriptHeadingOffset = values.effectScriptRollOffset = 0.0f;
-}

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "data/integration_values.h"
+
 // The number of each dataref, in order of registration; also the refcon of its accessors.
 enum IntegrationIndex : int32_t {
     kIntegrationEnabled = 0,
@@ -28,21 +30,6 @@ enum IntegrationIndex : int32_t {
 constexpr int kIntegrationViewArraySize = 66;
 constexpr int kIntegrationAxisArraySize = 6;
 
-// The plain stored values; all start at 0.
-struct IntegrationValues {
-    int32_t vistarigEnabled;
-    int32_t xpRealisticPresent;
-    int32_t realViewPresent;
-    float xOffset, yOffset, zOffset, pitchOffset, headingOffset, rollOffset;
-    int32_t headtrackingPresent;
-    float headtrackingXOffset, headtrackingYOffset, headtrackingZOffset;
-    float headtrackingPitchOffset, headtrackingHeadingOffset, headtrackingRollOffset;
-    float effectScriptXOffset, effectScriptYOffset, effectScriptZOffset;
-    float effectScriptPitchOffset, effectScriptHeadingOffset, effectScriptRollOffset;
-};
-
-IntegrationValues& integrationValues();
-
 // Name of a dataref without the prefix, or null outside 0..32.
 const char* integrationDatarefName(int32_t index);
 
@@ -51,8 +38,6 @@ const char* integrationDatarefName(int32_t index);
 void publishIntegrationDatarefs();
 // Unregisters them (plug-in stop).
 void unpublishIntegrationDatarefs();
-// A camera file load makes a script send its offsets again.
-void clearEffectScriptOffsets();
 
 // The accessors as the simulator calls them; the refcon is the index.
 int readIntegrationInt(void* refcon);

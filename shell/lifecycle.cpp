@@ -4,27 +4,28 @@
 
 #include "airports/airport_files.h"
 #include "data/aircraft_files.h"
+#include "data/angles.h"
 #include "data/camera_file.h"
 #include "data/settings.h"
 #include "data/targets.h"
 #include "inputs/axis_input.h"
 #include "inputs/effects.h"
 #include "inputs/trackir.h"
-#include "motion/angles.h"
 #include "motion/frame_driver.h"
-#include "motion/transitions.h"
 #include "motion/mouse_look.h"
+#include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "panels/updater_widget.h"
 #include "shell/command_table.h"
-#include "shell/sim_commands.h"
 #include "shell/host_interface.h"
 #include "shell/integration_datarefs.h"
+#include "shell/sim_commands.h"
 
 namespace {
 
-PluginState gState;
+// The state record, by the name this file has always used.
+PluginState& gState = pluginState();
 std::thread* gCommunityScanThread = nullptr;
 XPLMDataRef gVrEnabled = nullptr;
 XPLMDataRef gLocalX = nullptr, gLocalY = nullptr, gLocalZ = nullptr;
@@ -77,15 +78,6 @@ void airportLoaded() {
 
 }  // namespace
 
-PluginState& pluginState() { return gState; }
-
-int simulatorVersion() {
-    int xplane = 0, xplm = 0;
-    XPLMHostApplicationID host = 0;
-    XPLMGetVersions(&xplane, &xplm, &host);
-    return xplane;
-}
-
 bool vrEnabled() { return gVrEnabled && XPLMGetDatai(gVrEnabled) != 0; }
 
 void requestCommunityRescan() { gState.communityRescanRequested = true; }
@@ -112,6 +104,7 @@ void hostEnable() {
     publishIntegrationDatarefs();
 
     initFrameDriver();
+    setNearestAirportSelector(selectNearestAirportCamera);
     createCommands();
 
     readSettings();
@@ -134,6 +127,7 @@ void hostDisable() {
     // Nothing of ours may stay registered once the plug-in is gone; the next enable
     // registers the handlers again.
     removeCommandHandlers();
+    closeFrameDriver();
     gState.hostEnabled = false;
 }
 
@@ -181,7 +175,7 @@ void enableCamera() {
     resetCameraMotionAxisAssignment();
     XPLMDataRef fov = viewDatarefs().fieldOfView;
     installInterceptors();
-    frameDriver().defaultFov = fov ? XPLMGetDataf(fov) : 60.0f;
+    gState.defaultFov = fov ? XPLMGetDataf(fov) : 60.0f;
     integrationValues().vistarigEnabled = 1;
     gState.firstFrameAfterEnable = true;
     gState.savedCinemaVerite = findIntRef("sim/graphics/view/cinema_verite");
@@ -201,7 +195,7 @@ void disableCamera(bool keepHead) {
     integrationValues().vistarigEnabled = 0;
     stopCameraMotion();
     releaseFramePool();
-    setFieldOfView(driver.defaultFov);
+    setFieldOfView(gState.defaultFov);
     removeInterceptors();
     XPLMDontControlCamera();
     driver.cameraControlled = false;

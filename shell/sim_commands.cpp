@@ -1,8 +1,8 @@
 #include "shell/sim_commands.h"
 
+#include "data/angles.h"
 #include "data/camera_file.h"
 #include "data/settings.h"
-#include "motion/angles.h"
 #include "motion/frame_driver.h"
 #include "motion/movement.h"
 #include "motion/transitions.h"

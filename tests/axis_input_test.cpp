@@ -7,6 +7,7 @@
 #include "host/host.h"
 #include "host/joystick.h"
 #include "inputs/axis_input.h"
+#include "motion/camera_inputs.h"
 #include "motion/movement.h"
 
 namespace {

@@ -11,6 +11,7 @@
 
 #include "XPLMGraphics.h"
 #include "data/camera_file.h"
+#include "data/plugin_state.h"
 #include "motion/frame_driver.h"
 #include "panels/messages.h"
 #include "user_files_fixture.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "host/world.h"
-#include "motion/angles.h"
+#include "data/angles.h"
 #include "motion/camera_pose.h"
 #include "motion_fixture.h"
 

@@ -6,7 +6,7 @@
 
 #include "data/camera_set.h"
 #include "motion/frame_driver.h"
-#include "motion/running_average.h"
+#include "data/running_average.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "inputs/axis_input.h"
 #include "inputs/effects.h"
 #include "inputs/trackir.h"
+#include "motion/camera_inputs.h"
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
 #include "shell/integration_datarefs.h"

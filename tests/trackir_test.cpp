@@ -15,6 +15,7 @@
 #include "data/settings.h"
 #include "host/host.h"
 #include "inputs/trackir.h"
+#include "motion/camera_inputs.h"
 #include "motion/movement.h"
 #include "platform/library_loader.h"
 #include "platform/registry.h"

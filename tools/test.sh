@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
-# Builds and runs every suite twice: a plain build, and one under AddressSanitizer and
-# UndefinedBehaviorSanitizer. Threaded parts run again under ThreadSanitizer, and each
-# file reader is fuzzed for a short while.
+# Checks the order of layers, then builds and runs every suite twice: a plain build,
+# and one under AddressSanitizer and UndefinedBehaviorSanitizer. Threaded parts run
+# again under ThreadSanitizer, and each file reader is fuzzed for a short while.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=$(nproc)
 fuzz_seconds=${VISTARIG_FUZZ_SECONDS:-20}
 passed=0
+
+# The order of layers first: a wrong include fails in a second, before any build.
+echo "== layers"
+bash "$root/tools/check-layers.sh"
+passed=$((passed + 1))
 
 run_suite() {
   local name=$1; shift

@@ -1,7 +1,7 @@
 // Stand-ins for entry points whose features come later; see pending_actions.h.
-#include "shell/pending_actions.h"
+#include "panels/pending_actions.h"
 
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 #include <imgui.h>
 
@@ -34,8 +34,6 @@ void selectNearestTarget() { notYet("Target selection"); }
 void selectNextTarget() { notYet("Target selection"); }
 void selectPreviousTarget() { notYet("Target selection"); }
 void selectFreeTarget() { notYet("The Free Target"); }
-bool freeTargetSelected() { return false; }
-void endFreeTargetAim(Camera*) {}
 
 void toggleAiPerspective() { notYet("The AI perspective"); }
 void selectNextAiPlane() { notYet("The AI perspective"); }

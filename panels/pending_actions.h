@@ -1,10 +1,8 @@
 // Entry points of panels, airports, targets and other aircraft that the commands and
-// the mouse already call but whose features are not built yet. Each one only logs
+// the panels already call but whose features are not built yet. Each one only logs
 // (or answers "nothing there") until its own unit replaces it; when a unit brings the
 // real function, its declaration and stub leave this file.
 #pragma once
-
-struct Camera;
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
 bool MiniControlPanelAction(int op);
@@ -22,10 +20,6 @@ void selectNearestTarget();
 void selectNextTarget();
 void selectPreviousTarget();
 void selectFreeTarget();
-// The selected target is the Free Target (aimed by mouse look).
-bool freeTargetSelected();
-// End of a mouse-look aim at the Free Target: place it where the camera looks.
-void endFreeTargetAim(Camera* camera);
 
 // Other aircraft.
 void toggleAiPerspective();

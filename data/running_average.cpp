@@ -1,4 +1,4 @@
-#include "motion/running_average.h"
+#include "data/running_average.h"
 
 #include <cstring>
 

@@ -1,0 +1,7 @@
+#include "data/plugin_state.h"
+
+namespace {
+PluginState gState;
+}
+
+PluginState& pluginState() { return gState; }
