@@ -2,7 +2,9 @@
 // tracker, the view axes, mouse look, the effect plug-ins, the script offsets; see
 // inputs/pose_offsets.h), and this unit applies them: `applyCameraInputs` in its one
 // fixed order, each input on its own for the callers that need one, and the axes'
-// additions to the movement rates. Main thread only.
+// additions to the movement rates. The order lives here, not beside the inputs: they
+// stand below motion/ and never call it, so a frame's pose is put together in one
+// place. Main thread only.
 #pragma once
 
 #include "data/camera_set.h"

@@ -29,9 +29,9 @@ void scheduleDelivery() {
     XPLMScheduleFlightLoop(flightLoopId, -1.0f, 1);
 }
 
-// The panels deliver every box any layer asks for. Installed when the library is
-// loaded: a box may be asked for before the plug-in is enabled, and the boxes are the
-// panels' whatever else runs.
+// The panels deliver every box any layer asks for. Installed when the library loads,
+// so that a box asked for before the plug-in is enabled (or by code run without the
+// plug-in's start) opens as it always did.
 [[maybe_unused]] const bool deliveryInstalled = (setMessageBoxListener(scheduleDelivery), true);
 
 }  // namespace
