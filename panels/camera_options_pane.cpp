@@ -8,6 +8,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMGraphics.h"
 #include "data/camera_set.h"
+#include "data/plugin_state.h"
 #include "data/settings.h"
 #include "inputs/axis_input.h"
 #include "motion/frame_driver.h"

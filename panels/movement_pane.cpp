@@ -5,6 +5,7 @@
 #include "data/camera_set.h"
 #include "data/settings.h"
 #include "inputs/trackir.h"
+#include "motion/camera_inputs.h"
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
