@@ -30,3 +30,5 @@ PluginState& pluginState();
 inline bool cameraEnabled() { return pluginState().cameraEnabled; }
 inline float lastFrameSeconds() { return pluginState().lastFrameSeconds; }
 inline float defaultFov() { return pluginState().defaultFov; }
+// The community folders are scanned again; the main flight loop starts it.
+inline void requestCommunityRescan() { pluginState().communityRescanRequested = true; }

@@ -14,7 +14,7 @@
 #include "panels/kvt_im_window.h"
 #include "panels/messages.h"
 #include "panels/updater_widget.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 

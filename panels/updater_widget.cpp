@@ -4,11 +4,13 @@
 
 #include <cstdio>
 
+#include "XPLMDisplay.h"
 #include "data/aircraft_files.h"
+#include "data/plugin_state.h"
 #include "data/settings.h"
 #include "panels/msg_box_widget.h"
 #include "platform/clipboard.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 UpdaterWidget* instance = nullptr;

@@ -19,4 +19,3 @@
 
 void enableCamera();
 void disableCamera(bool keepHead);
-void requestCommunityRescan();

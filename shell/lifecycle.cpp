@@ -80,8 +80,6 @@ void airportLoaded() {
 
 bool vrEnabled() { return gVrEnabled && XPLMGetDatai(gVrEnabled) != 0; }
 
-void requestCommunityRescan() { gState.communityRescanRequested = true; }
-
 void pluginStart() {
     gState = PluginState();
     clearReplacingRefusals();
