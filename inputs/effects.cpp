@@ -27,6 +27,8 @@ void lookUpHeadShake() {
 
 HeadShakeLink& headShakeLink() { return link; }
 
+void forgetHeadShake() { link = HeadShakeLink{}; }
+
 bool headShakeAvailable() {
     lookUpHeadShake();
     return link.available;

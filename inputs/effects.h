@@ -20,6 +20,8 @@ HeadShakeLink& headShakeLink();
 
 // Looks the seven datarefs up at the first call (never again), then answers.
 bool headShakeAvailable();
+// Forgets the look-up, so that the next call looks again (at every plug-in start).
+void forgetHeadShake();
 // 1 at camera enable, 0 at camera disable: HeadShake then leaves the view to us.
 void headShakeOverride(bool on);
 // HeadShake's six offsets; nothing while HeadShake isn't there.

@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "data/aircraft_files.h"
+#include "inputs/effects.h"
 #include "platform/network.h"
 #include "shell/host_interface.h"
 #include "shell/lifecycle.h"
@@ -34,9 +35,10 @@ PLUGIN_API int XPluginStart(char* outName, char* outSignature, char* outDescript
         XPLMEnableFeature("XPLM_USE_NATIVE_WIDGET_WINDOWS", 1);
         XPLMEnableFeature("XPLM_USE_NATIVE_PATHS", 1);
         monotonicMilliseconds();
-        // Asked afresh at every start: a plug-in started again in the same process (as the
-        // host's in-process tests do) may have been installed somewhere else.
+        // Asked afresh at every start (the folder, the HeadShake look-up): a plug-in started
+        // again in one process, as the host's in-process tests do, may stand elsewhere.
         overridePluginDirectory(nullptr);
+        forgetHeadShake();
         int error = startNetwork();
         if (error != 0) logMessage("Network failed to start: %d\n", error);
         pluginStart();
