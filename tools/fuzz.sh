@@ -42,7 +42,7 @@ if [ ${#targets[@]} -eq 0 ]; then
   for src in "$root"/fuzz/fuzz_*.cpp; do name=$(basename "$src" .cpp); targets+=("${name#fuzz_}"); done
 fi
 
-build="$root/build/fuzz"
+build="${VISTARIG_FUZZ_BUILD:-$root/build/fuzz}"  # another build of the targets, for runs beside a rebuild
 if [ "$build_first" -eq 1 ]; then
   cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
     -DVISTARIG_FUZZ=ON -DVISTARIG_TESTS=OFF -DVISTARIG_BENCH=OFF >/dev/null
@@ -75,18 +75,25 @@ for name in "${targets[@]}"; do
   limit=(-max_total_time="$seconds")
   [ -n "$runs" ] && limit=(-runs="$runs")
   status=0
-  (cd "$work" && "$program" "${limit[@]}" -max_len=8192 -print_final_stats=1 -artifact_prefix="$work/" "$work" \
-    > "$log" 2>&1) || status=$?
+  # The machine is shared: besides libFuzzer's rate by the clock, the rate by the
+  # processor time the run had tells what the target itself does.
+  timer=()
+  [ -x /usr/bin/time ] && timer=(/usr/bin/time -f "%U %S" -o "$work.cpu")
+  (cd "$work" && exec "${timer[@]}" "$program" "${limit[@]}" -max_len=8192 -print_final_stats=1 \
+    -artifact_prefix="$work/" "$work" > "$log" 2>&1) || status=$?
+  cpu=$(awk '{ s = $1 + $2 } END { print s + 0 }' "$work.cpu" 2>/dev/null || echo 0)
+  rm -f "$work.cpu"
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
   rate=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log" | tail -n 1)
+  per_cpu=$(awk -v n="${executions:-0}" -v c="$cpu" 'BEGIN { if (c > 0) printf "%d", n / c; else print "?" }')
   if [ "$status" -ne 0 ] || grep -q -E "^==[0-9]+==ERROR|runtime error:" "$log"; then
-    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s, FAILED"
+    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s (${per_cpu}/s of processor time), FAILED"
     grep -a -E "^==[0-9]+==|SUMMARY|runtime error|^artifact_prefix|Test unit written" "$log" | head -n 20
     ls "$work"/crash-* "$work"/leak-* "$work"/timeout-* 2>/dev/null | head -n 3
     [ -n "$logs" ] && cp "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$logs"/ 2>/dev/null || true
     failed=1
   else
-    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s, 0 crashes"
+    echo "fuzz $name: ${executions:-?} executions, ${rate:-?}/s (${per_cpu}/s of processor time), 0 crashes"
     if [ "$keep" -eq 1 ]; then
       "$program" -merge=1 "$corpus" "$work" > "$work.merge.log" 2>&1 || true
       rm -f "$work.merge.log"
