@@ -336,7 +336,9 @@ bool chainRoundsCorners(Camera* from, Camera* to, float frameRate, bool mayAdvan
 // at the camera change: a ring that goes round to the depth limit is 125,000 frames at
 // 60 fps, and building them took a frame of 5 ms and a pool of 13 MB. Only a corner's
 // reach either side has to exist when it is rounded, so the frames and their order of
-// work are the same as building the whole list and rounding it afterwards.
+// work are the same as building the whole list and rounding it afterwards. What a leg
+// reads of its cameras is read when the leg is built: a camera edited while a ring goes
+// round is met as edited on the next round.
 struct ChainBuilder {
     Camera* from = nullptr;
     Camera* to = nullptr;
