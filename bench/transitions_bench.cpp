@@ -1,7 +1,8 @@
 // The frame of a camera change into an orbit chain: a 37-camera orbit that ends, and
 // a 36-camera ring that goes round until the depth limit, both with smooth joins;
-// then the cost per frame of playing the list. Counters: frames built, heap left
-// behind once the list is consumed, peak resident memory.
+// then the cost per frame of playing the list, which builds the legs ahead as it goes.
+// Counters: frames built at the change and in the whole chain, heap left behind once
+// the transition ends, the frame pool's bytes, peak resident memory.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/resource.h>
@@ -66,8 +67,8 @@ long peakResidentKb() {
     return usage.ru_maxrss;
 }
 
-// One camera change: camera 0 to camera 1 builds the whole chain; freeing it stands
-// for its consumption, which releases each frame as it is played.
+// One camera change: camera 0 to camera 1 starts the chain's transition, which builds
+// what the frames ahead need; freeing it stands for its end.
 void changeCamera(benchmark::State& state, bool continuous) {
     float fps = static_cast<float>(state.range(0));
     buildOrbit(continuous, fps);
@@ -75,23 +76,30 @@ void changeCamera(benchmark::State& state, bool continuous) {
     Camera* from = &category.cameras[0];
     Camera* to = &category.cameras[1];
 
-    // Warm-up, and the heap mark after a full build and consumption.
-    freeTransitionList(buildTransition(from, to));
+    // Warm-up, and the heap mark after a change and its end.
+    startTransition(nullptr, from, to);
+    freeTransition();
     size_t heapBefore = mallinfo2().uordblks;
     int64_t frames = 0;
     for (auto _ : state) {
-        TransitionFrame* head = buildTransition(from, to);
+        startTransition(nullptr, from, to);
         state.PauseTiming();
-        frames = transitionLength(head);
-        freeTransitionList(head);
+        frames = transitionLength(transitionState().transitionHead);
+        freeTransition();
         state.ResumeTiming();
     }
     size_t heapAfter = mallinfo2().uordblks;
-    state.counters["frames"] = static_cast<double>(frames);
+    state.counters["frames_built"] = static_cast<double>(frames);
     state.counters["heap_growth_bytes"] = static_cast<double>(heapAfter) - static_cast<double>(heapBefore);
     state.counters["frames_alive"] = static_cast<double>(framesAllocated());
-    state.counters["pool_frames"] = static_cast<double>(framePoolCapacity());
+    state.counters["pool_bytes"] = static_cast<double>(framePoolCapacity()) * sizeof(TransitionFrame);
     state.counters["peak_rss_kb"] = static_cast<double>(peakResidentKb());
+    // The frames of the whole chain, as a check that it is the chain of before; its
+    // memory goes back at once.
+    TransitionFrame* whole = buildTransition(from, to);
+    state.counters["chain_frames"] = static_cast<double>(transitionLength(whole));
+    freeTransitionList(whole);
+    releaseFramePool();
 }
 
 void BM_CameraChangeIntoOrbit(benchmark::State& state) { changeCamera(state, false); }
@@ -103,11 +111,11 @@ void BM_TransitionFramePlayback(benchmark::State& state) {
     Category& category = workingSet().categories[currentCategoryIndex()];
     selectCameraRecord(&category.cameras[1]);
     Camera* current = &category.cameras[1];
-    transitionState().transitionHead = buildTransition(&category.cameras[0], current);
+    startTransition(nullptr, &category.cameras[0], current);
     for (auto _ : state) {
         if (!transitionRunning()) {
             state.PauseTiming();
-            transitionState().transitionHead = buildTransition(&category.cameras[0], current);
+            startTransition(nullptr, &category.cameras[0], current);
             state.ResumeTiming();
         }
         stepTransition(current);

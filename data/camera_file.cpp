@@ -72,6 +72,10 @@ void noteNumber(NumberField read) {
 // Blanks around the word are trimmed, so a hand-edited " TRUE" stays true. Anything
 // but "TRUE" or "FALSE" is still read by its first word, and counted as not read.
 bool isTrue(const char* token) {
+    // The words as written, first: the general path took a sixth of a file's reading.
+    if (token[0] == 'T' && token[1] == 'R' && token[2] == 'U' && token[3] == 'E' && !token[4]) return true;
+    if (token[0] == 'F' && token[1] == 'A' && token[2] == 'L' && token[3] == 'S' && token[4] == 'E' && !token[5])
+        return false;
     while (*token == ' ' || *token == '\t') ++token;
     size_t length = 0;
     while (token[length] && token[length] != ' ' && token[length] != '\t' && token[length] != '\r' &&

@@ -78,8 +78,10 @@ Settings current = builtInSettings();
 Settings saved = builtInSettings();
 
 const Key* findKey(const char* upper) {
+    // The first letter first: comparing the whole word with every key was half of a
+    // file's reading.
     for (const Key& key : keys)
-        if (std::strcmp(key.name, upper) == 0) return &key;
+        if (key.name[0] == upper[0] && std::strcmp(key.name, upper) == 0) return &key;
     return nullptr;
 }
 

@@ -7,11 +7,12 @@
 
 #include <cerrno>
 #include <charconv>
-#include <type_traits>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <type_traits>
 
 namespace {
 
@@ -21,10 +22,52 @@ const char* skipToNumber(const char* text) {
     return text;
 }
 
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// A plain decimal ("-12.500000", "3", ".25"), the numbers the plug-in writes and nearly
+// every file holds, without from_chars, which took a fifth of a camera file's reading.
+// With at most 2^53 as digits and 10^22 as divisor both are exact doubles, so one
+// division rounds correctly (Clinger's fast path). A float rounded from that double
+// is the correctly rounded float unless the double fell exactly on the midpoint of two
+// floats; then, as for exponents, long digit strings, "inf" or "nan", null is returned
+// and from_chars decides.
+template <typename T>
+const char* parsePlainDecimal(const char* p, T& out) {
+    bool negative = *p == '-';
+    if (negative) ++p;
+    constexpr uint64_t kDigitsLimit = (uint64_t(1) << 53) / 10;
+    uint64_t digits = 0;
+    int fraction = 0;
+    bool any = false;
+    for (; *p >= '0' && *p <= '9'; ++p, any = true) {
+        if (digits >= kDigitsLimit) return nullptr;
+        digits = digits * 10 + uint64_t(*p - '0');
+    }
+    if (*p == '.') {
+        for (++p; *p >= '0' && *p <= '9'; ++p, any = true, ++fraction) {
+            if (digits >= kDigitsLimit || fraction >= 22) return nullptr;
+            digits = digits * 10 + uint64_t(*p - '0');
+        }
+    }
+    if (!any || *p == 'e' || *p == 'E') return nullptr;
+    double value = double(digits) / kPowersOfTen[fraction];
+    if constexpr (std::is_same_v<T, float>) {
+        uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        if ((bits & 0x1FFFFFFFu) == 0x10000000u) return nullptr;
+        out = negative ? -float(value) : float(value);
+    } else {
+        out = negative ? -value : value;
+    }
+    return p;
+}
+
 template <typename T>
 bool parseReal(const char* text, T* out) {
     if (!text) return false;
     const char* start = skipToNumber(text);
+    if (parsePlainDecimal(start, *out)) return true;
     const char* end = start + std::strlen(start);
     T value{};
     auto result = std::from_chars(start, end, value, std::chars_format::general);
@@ -54,18 +97,22 @@ template <typename T>
 NumberField readField(const char* text, T* out) {
     const char* start = skipToNumber(text);
     if (!*start) return NumberField::empty;
-    const char* end = start + std::strlen(start);
     T value{};
-    std::from_chars_result result;
-    if constexpr (std::is_floating_point_v<T>)
-        result = std::from_chars(start, end, value, std::chars_format::general);
-    else
-        result = std::from_chars(start, end, value);
-    if (result.ec != std::errc()) return NumberField::bad;
-    if constexpr (std::is_floating_point_v<T>)
-        if (!std::isfinite(value)) return NumberField::bad;
+    const char* rest = nullptr;
+    if constexpr (std::is_floating_point_v<T>) rest = parsePlainDecimal(start, value);
+    if (!rest) {
+        const char* end = start + std::strlen(start);
+        std::from_chars_result result;
+        if constexpr (std::is_floating_point_v<T>)
+            result = std::from_chars(start, end, value, std::chars_format::general);
+        else
+            result = std::from_chars(start, end, value);
+        if (result.ec != std::errc()) return NumberField::bad;
+        if constexpr (std::is_floating_point_v<T>)
+            if (!std::isfinite(value)) return NumberField::bad;
+        rest = result.ptr;
+    }
     *out = value;
-    const char* rest = result.ptr;
     while (*rest == ' ' || *rest == '\t' || *rest == '\r' || *rest == '\n') ++rest;
     return *rest ? NumberField::partial : NumberField::whole;
 }
@@ -208,13 +255,31 @@ bool isWholeNumber(const char* text, bool integer) {
     return *stop == 0;
 }
 
-int countControlBytes(const char* text, size_t size) {
+namespace {
+
+int countControlIn(const char* text, size_t size) {
     int count = 0;
     for (size_t i = 0; i < size; ++i) {
         unsigned char c = static_cast<unsigned char>(text[i]);
         count += c < 0x20 && c != 0 && c != '\t' && c != '\n' && c != '\r';
     }
     return count;
+}
+
+}  // namespace
+
+int countControlBytes(const char* text, size_t size) {
+    // Eight bytes at a time: only a word with a byte below 0x20 (in a text file, the one
+    // with the line's end) is looked at byte by byte.
+    constexpr uint64_t kOnes = 0x0101010101010101u;
+    int count = 0;
+    size_t i = 0;
+    for (; i + 8 <= size; i += 8) {
+        uint64_t word;
+        std::memcpy(&word, text + i, sizeof word);
+        if (((word - kOnes * 0x20) & ~word & kOnes * 0x80) != 0) count += countControlIn(text + i, 8);
+    }
+    return count + countControlIn(text + i, size - i);
 }
 
 TextLines::TextLines(const char* text, size_t length) : data(text), size(length) {

@@ -325,18 +325,13 @@ void runFrame() {
         // Only a change within one category of one set glides; anything else jumps.
         bool glides = last->categoryIndex == current->categoryIndex &&
                       d.previousAirportFlag == (current->airportCamera ? 1 : 0);
-        TransitionFrame* list = nullptr;
         // A change while a transition was on screen starts from the pose the view
         // had reached, not from the previous camera's own values: restarting from
         // those made the view jump back before it moved on.
-        if (glides && (current->linearTransition || current->smoothTransition))
-            list = d.shownFromTransition ? buildTransitionFrom(d.shownPose, last, current) : buildTransition(last, current);
-        if (glides && current->bezierTransition) {
-            TransitionFrame* curve = buildBezierTransition(last, current);
-            freeTransitionList(list);
-            list = curve;
-        }
-        transitionState().transitionHead = list;
+        if (glides && current->bezierTransition)
+            transitionState().transitionHead = buildBezierTransition(last, current);
+        else if (glides && (current->linearTransition || current->smoothTransition))
+            startTransition(d.shownFromTransition ? &d.shownPose : nullptr, last, current);
         if (last->temporaryPositioning) restoreHomePosition(last);
         else refreshHomePose(last);
     }

@@ -108,16 +108,21 @@ bool headMayDiffer(const Camera* from) {
 struct Leg {
     TransitionFrame* head = nullptr;
     TransitionFrame* tail = nullptr;
+    int32_t frames = 0;
     bool mayChain = false;
 };
 
+int32_t legFrameCount(const Camera* to, float frameRate) {
+    return to->transitionSeconds > 0.0f ? static_cast<int32_t>(frameRate * to->transitionSeconds)
+                                        : to->linearTransitionFrames;
+}
+
 // One camera change: the frames from `from` (or the head) to `to`.
-Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
+Leg buildLeg(Camera* from, Camera* to, int32_t depth, float frameRate) {
     if (from && from->freeCamera) worldToLocal(from);
     if (to->freeCamera) worldToLocal(to);
 
-    int32_t n = to->transitionSeconds > 0.0f ? static_cast<int32_t>(currentFrameRate() * to->transitionSeconds)
-                                             : to->linearTransitionFrames;
+    int32_t n = legFrameCount(to, frameRate);
     CameraPose a = from ? cameraPose(from) : readHeadPose();
     if (depth == 1 && gStartOverride) a = *gStartOverride;
     if (from && depth == 1 && headMayDiffer(from)) {
@@ -135,11 +140,11 @@ Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
     Leg leg;
     if ((!to->linearTransition || n < 1) && !to->smoothTransition) {
         leg.head = leg.tail = newFrame(b, to, delay);
+        leg.frames = 1;
         return leg;
     }
     leg.head = leg.tail = newFrame(a, to, delay);
-    if (!gState.chainWantsJoins && ((from && from->smoothCameraJoins) || to->smoothCameraJoins))
-        gState.chainWantsJoins = true;
+    leg.frames = 1;
 
     PoseDelta d = poseDelta(a, b);
     if (!to->linearTransition) {
@@ -154,12 +159,14 @@ Leg buildLeg(Camera* from, Camera* to, int32_t depth) {
             leg.tail = appendCopy(leg.tail, to);
             advance(leg.tail->pose, d, std::sin(k * step * kRadians) / sum);
         }
+        leg.frames += m;
         leg.mayChain = true;
     } else if (n >= 1) {
         for (int32_t i = 0; i < n; ++i) {
             leg.tail = appendCopy(leg.tail, to);
             advance(leg.tail->pose, d, 1.0 / n);
         }
+        leg.frames += n;
         leg.mayChain = true;
     }
     return leg;
@@ -303,51 +310,140 @@ int32_t transitionLength(const TransitionFrame* head) {
     return n;
 }
 
-TransitionFrame* buildTransition(Camera* from, Camera* to) {
-    // The legs of a chain are built one after another rather than by recursion, so a
-    // ring that runs to the depth limit doesn't need thousands of stack frames.
-    int32_t baseDepth = gState.buildDepth;
-    TransitionFrame* head = nullptr;
-    TransitionFrame* tail = nullptr;
-    int32_t depth = baseDepth;
-    for (;;) {
-        gState.buildDepth = ++depth;
-        if (depth == 1) gState.chainWantsJoins = false;
-        Leg leg = buildLeg(from, to, depth);
-        if (!head) {
-            head = leg.head;
-            tail = leg.tail;
-        } else if (leg.head == leg.tail) {
-            leg.head->previous = tail;
-            tail->next = leg.head;
-            tail = leg.head;
-        } else {
-            // The leg's head repeats the pose this list ends on; its delay moves on.
-            TransitionFrame* second = leg.head->next;
-            second->delay = leg.head->delay;
-            releaseFrame(leg.head);
-            second->previous = tail;
-            tail->next = second;
-            tail = leg.tail;
-        }
-        if (!leg.mayChain) break;
+namespace {
+
+// Whether a chain from `from` to `to` has a second leg and any of its legs asks for
+// rounded joins (which rounds every corner of the chain). Walks the cameras the legs
+// would be built from, without building a frame.
+bool chainRoundsCorners(Camera* from, Camera* to, float frameRate, bool mayAdvance) {
+    bool joins = false;
+    for (int32_t depth = 1;; ++depth) {
+        if (depth > 1 && joins) return true;
+        int32_t n = legFrameCount(to, frameRate);
+        if ((!to->linearTransition || n < 1) && !to->smoothTransition) return false;
+        if ((from && from->smoothCameraJoins) || to->smoothCameraJoins) joins = true;
+        bool mayChain = !to->linearTransition || n >= 1;
         Camera* next = to->nextInCategory;
-        if (!(to->autoAdvance && depth < kMaxChainDepth && mayAutoAdvance() && next &&
+        if (!(mayChain && to->autoAdvance && depth < kMaxChainDepth && mayAdvance && next &&
               (next->linearTransition || next->smoothTransition)))
-            break;
+            return joins && depth > 1;
         from = to;
         to = next;
     }
-    if (baseDepth == 0 && depth > 1 && gState.chainWantsJoins) smoothChainJoins(head);
-    gState.buildDepth = baseDepth;
+}
+
+// A chain of legs is built as the frames ahead of the view run short rather than all
+// at the camera change: a ring that goes round to the depth limit is 125,000 frames at
+// 60 fps, and building them took a frame of 5 ms and a pool of 13 MB. Only a corner's
+// reach either side has to exist when it is rounded, so the frames and their order of
+// work are the same as building the whole list and rounding it afterwards. What a leg
+// reads of its cameras is read when the leg is built: a camera edited while a ring goes
+// round is met as edited on the next round.
+struct ChainBuilder {
+    Camera* from = nullptr;
+    Camera* to = nullptr;
+    int32_t depth = 0;  // legs built
+    bool more = false;  // legs left to build
+    bool roundCorners = false;
+    // Taken at the camera change, as when every leg was built in that frame.
+    float frameRate = 0.0f;
+    bool mayAdvance = false;
+    int32_t window = 0;  // frames a corner's curve takes at most either side
+    TransitionFrame* tail = nullptr;
+    // The next frame whose corner is looked at; those before it are final. Null once
+    // every frame is.
+    TransitionFrame* scan = nullptr;
+    int64_t finalFrames = 0;  // from the head up to the scan
+    int64_t pendingFrames = 0;  // from the scan to the tail
+};
+// The running transition's.
+ChainBuilder gChain;
+
+void roundCorner(TransitionFrame* f, int32_t window);
+
+// Frames a corner looks at either side: the runs of its two cameras are counted up to
+// twice the window.
+int64_t cornerReach(const ChainBuilder& b) { return 2 * static_cast<int64_t>(b.window) + 2; }
+
+void appendLeg(ChainBuilder& b, TransitionFrame*& head) {
+    Leg leg = buildLeg(b.from, b.to, ++b.depth, b.frameRate);
+    int64_t added = leg.frames;
+    if (!head) {
+        head = b.scan = leg.head;
+        b.tail = leg.tail;
+    } else if (leg.head == leg.tail) {
+        leg.head->previous = b.tail;
+        b.tail->next = leg.head;
+        b.tail = leg.head;
+    } else {
+        // The leg's head repeats the pose this list ends on; its delay moves on.
+        TransitionFrame* second = leg.head->next;
+        second->delay = leg.head->delay;
+        releaseFrame(leg.head);
+        second->previous = b.tail;
+        b.tail->next = second;
+        b.tail = leg.tail;
+        --added;
+    }
+    if (!b.scan) b.scan = b.tail;
+    b.pendingFrames += added;
+
+    Camera* next = b.to->nextInCategory;
+    b.more = leg.mayChain && b.to->autoAdvance && b.depth < kMaxChainDepth && b.mayAdvance && next &&
+             (next->linearTransition || next->smoothTransition);
+    if (b.more) {
+        b.from = b.to;
+        b.to = next;
+    }
+}
+
+// `head` is null; builds the first leg from `start` (the view's pose) or `from`.
+void startChain(ChainBuilder& b, TransitionFrame*& head, const CameraPose* start, Camera* from, Camera* to) {
+    b = ChainBuilder{};
+    b.from = from;
+    b.to = to;
+    b.frameRate = currentFrameRate();
+    b.mayAdvance = mayAutoAdvance();
+    b.window = settings().SMOOTH_WINDOW / 2;
+    b.roundCorners = chainRoundsCorners(from, to, b.frameRate, b.mayAdvance);
+    gStartOverride = start;
+    appendLeg(b, head);
+    gStartOverride = nullptr;
+}
+
+// Builds legs and rounds corners until `wanted` frames from the head are final, or
+// all are.
+void finishFrames(ChainBuilder& b, TransitionFrame*& head, int64_t wanted) {
+    int64_t reach = cornerReach(b);
+    while (b.scan && b.finalFrames < wanted) {
+        if (b.more && b.pendingFrames <= reach) {
+            appendLeg(b, head);
+            continue;
+        }
+        TransitionFrame* f = b.scan;
+        if (b.roundCorners && f->next && f->camera != f->next->camera) roundCorner(f, b.window);
+        b.scan = f->next;
+        ++b.finalFrames;
+        --b.pendingFrames;
+    }
+}
+
+}  // namespace
+
+TransitionFrame* buildTransition(Camera* from, Camera* to) { return buildTransitionFrom(nullptr, from, to); }
+
+TransitionFrame* buildTransitionFrom(const CameraPose* start, Camera* from, Camera* to) {
+    ChainBuilder builder;
+    TransitionFrame* head = nullptr;
+    startChain(builder, head, start, from, to);
+    finishFrames(builder, head, INT64_MAX);
     return head;
 }
 
-TransitionFrame* buildTransitionFrom(const CameraPose& start, Camera* from, Camera* to) {
-    gStartOverride = &start;
-    TransitionFrame* head = buildTransition(from, to);
-    gStartOverride = nullptr;
-    return head;
+void startTransition(const CameraPose* start, Camera* from, Camera* to) {
+    freeTransition();
+    startChain(gChain, gState.transitionHead, start, from, to);
+    finishFrames(gChain, gState.transitionHead, cornerReach(gChain) + 1);
 }
 
 TransitionFrame* buildBezierTransition(Camera* from, Camera* to) {
@@ -420,53 +516,61 @@ TransitionFrame* buildBezierTransition(Camera* from, Camera* to) {
     return head;
 }
 
-TransitionFrame* smoothChainJoins(TransitionFrame* head) {
-    int32_t window = settings().SMOOTH_WINDOW / 2;
+namespace {
+
+// Rounds the corner where the list turns from `f`'s camera to the next, over at most
+// `window` frames either side.
+void roundCorner(TransitionFrame* f, int32_t window) {
     // Scratch cameras of the three-point curve round one corner.
     static Camera first, middle, last;
-    for (TransitionFrame* f = head; f && f->next; f = f->next) {
-        if (f->camera == f->next->camera) continue;
-        // Each corner takes at most half of either leg: where legs are shorter than
-        // the window, two corners' curves overlapped, the second starting inside the
-        // first, and the speed jumped by a third where they met.
-        int32_t before = runOfCamera(f, f->camera, true, 2 * window);
-        int32_t behind = runOfCamera(f->next, f->next->camera, false, 2 * window);
-        int32_t half = std::min(window, std::min(before, behind) / 2);
-        // The curve's legs are never shorter than a Bezier leg; a narrower corner
-        // stays as it is.
-        if (half < kMinBezierLegFrames) continue;
-        TransitionFrame* start = stepFrames(f, half, true);
-        TransitionFrame* end = stepFrames(f, half, false);
-        if (!start || !end) continue;
+    // Each corner takes at most half of either leg: where legs are shorter than
+    // the window, two corners' curves overlapped, the second starting inside the
+    // first, and the speed jumped by a third where they met.
+    int32_t before = runOfCamera(f, f->camera, true, 2 * window);
+    int32_t behind = runOfCamera(f->next, f->next->camera, false, 2 * window);
+    int32_t half = std::min(window, std::min(before, behind) / 2);
+    // The curve's legs are never shorter than a Bezier leg; a narrower corner
+    // stays as it is.
+    if (half < kMinBezierLegFrames) return;
+    TransitionFrame* start = stepFrames(f, half, true);
+    TransitionFrame* end = stepFrames(f, half, false);
+    if (!start || !end) return;
 
-        first = *f->camera;
-        middle = *f->next->camera;
-        last = *f->next->camera;
-        first.linearTransition = false;
-        first.bezierTransition = false;
-        first.autoAdvance = true;
-        first.linearTransitionFrames = 0;
-        first.nextInCategory = &middle;
-        middle.transitionSeconds = 0.0f;
-        middle.linearTransitionFrames = half + 1;
-        middle.bezierTransition = true;
-        middle.autoAdvance = true;
-        middle.nextInCategory = &last;
-        last.transitionSeconds = 0.0f;
-        last.linearTransitionFrames = half;
-        last.bezierTransition = true;
-        last.autoAdvance = false;
-        last.nextInCategory = nullptr;
-        writePose(first, start->pose);
-        writePose(middle, f->pose);
-        writePose(last, end->pose);
+    first = *f->camera;
+    middle = *f->next->camera;
+    last = *f->next->camera;
+    first.linearTransition = false;
+    first.bezierTransition = false;
+    first.autoAdvance = true;
+    first.linearTransitionFrames = 0;
+    first.nextInCategory = &middle;
+    middle.transitionSeconds = 0.0f;
+    middle.linearTransitionFrames = half + 1;
+    middle.bezierTransition = true;
+    middle.autoAdvance = true;
+    middle.nextInCategory = &last;
+    last.transitionSeconds = 0.0f;
+    last.linearTransitionFrames = half;
+    last.bezierTransition = true;
+    last.autoAdvance = false;
+    last.nextInCategory = nullptr;
+    writePose(first, start->pose);
+    writePose(middle, f->pose);
+    writePose(last, end->pose);
 
-        TransitionFrame* curve = buildBezierTransition(&first, &last);
-        if (!curve) continue;
-        TransitionFrame* target = start;
-        for (TransitionFrame* c = curve; c && target; c = c->next, target = target->next) target->pose = c->pose;
-        freeTransitionList(curve);
-    }
+    TransitionFrame* curve = buildBezierTransition(&first, &last);
+    if (!curve) return;
+    TransitionFrame* target = start;
+    for (TransitionFrame* c = curve; c && target; c = c->next, target = target->next) target->pose = c->pose;
+    freeTransitionList(curve);
+}
+
+}  // namespace
+
+TransitionFrame* smoothChainJoins(TransitionFrame* head) {
+    int32_t window = settings().SMOOTH_WINDOW / 2;
+    for (TransitionFrame* f = head; f && f->next; f = f->next)
+        if (f->camera != f->next->camera) roundCorner(f, window);
     return head;
 }
 
@@ -499,6 +603,10 @@ void stepTransition(Camera*& current) {
     TransitionFrame* next = gState.transitionHead;
     if (!next) return;
     next->previous = nullptr;
+    if (gChain.scan) {
+        --gChain.finalFrames;
+        finishFrames(gChain, gState.transitionHead, cornerReach(gChain) + 1);
+    }
     // Along a chain the selection moves with the legs, without a camera change.
     if (next->camera != current) {
         current = next->camera;
@@ -512,6 +620,7 @@ bool transitionRunning() { return gState.transitionHead != nullptr; }
 void freeTransition() {
     freeTransitionList(gState.transitionHead);
     gState.transitionHead = nullptr;
+    gChain = ChainBuilder{};
     gState.delayEndTime = 0.0;
 }
 
@@ -522,7 +631,7 @@ void stopCameraMotion() {
 
 void startReturnTransition() {
     if (transitionRunning()) return;
-    gState.transitionHead = buildTransition(nullptr, currentCamera());
+    startTransition(nullptr, nullptr, currentCamera());
 }
 
 void stopTransitionWhereItIs() {

@@ -1,6 +1,7 @@
-// Transitions between cameras: the list of poses, one for each frame to come, built
-// in full at the moment of a camera change (smooth, linear and Bezier, with delays,
-// auto-advance chains and rounded joins), and the frame-by-frame stepping through it.
+// Transitions between cameras: the list of poses, one for each frame to come (smooth,
+// linear and Bezier, with delays, auto-advance chains and rounded joins), built at a
+// camera change and, for a chain, a few legs ahead as it plays; and the frame-by-frame
+// stepping through it.
 // Owns the transition state record and the frame storage.
 #pragma once
 
@@ -19,8 +20,6 @@ struct TransitionFrame {
 struct TransitionState {
     TransitionFrame* transitionHead = nullptr;
     double delayEndTime = 0;  // simulator seconds; 0 when no delay runs
-    int32_t buildDepth = 0;
-    bool chainWantsJoins = false;
 };
 
 // Chains stop at this many legs; a ring of auto-advancing cameras goes round until then.
@@ -30,11 +29,16 @@ constexpr int32_t kMaxBezierPoints = 32;
 
 TransitionState& transitionState();
 
-// `from` may be null (then the head pose is the start); never returns null.
+// The whole list of a camera change, chain and rounded corners included. `from` may be
+// null (then the head pose is the start); never returns null.
 TransitionFrame* buildTransition(Camera* from, Camera* to);
-// The same from a given start pose: where the view stands when a camera change
-// interrupts a transition.
-TransitionFrame* buildTransitionFrom(const CameraPose& start, Camera* from, Camera* to);
+// The same from a given start pose (when not null): where the view stands when a
+// camera change interrupts a transition.
+TransitionFrame* buildTransitionFrom(const CameraPose* start, Camera* from, Camera* to);
+// Starts the running transition of a camera change, in place of any running one. Its
+// frames are built a few legs ahead of the view as it plays (stepTransition), so the
+// frame of the change stays short and the frames held few however long the chain.
+void startTransition(const CameraPose* start, Camera* from, Camera* to);
 // Null when the chain has fewer than three cameras or auto advance isn't allowed.
 TransitionFrame* buildBezierTransition(Camera* from, Camera* to);
 // Rounds the corners of a chain where both sides are long enough; returns head.
