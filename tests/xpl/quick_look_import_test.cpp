@@ -35,7 +35,11 @@ std::vector<std::string> cameraRows(const fs::path& path) {
         std::vector<std::string> c = cells(row);
         if (c.size() < 8 || c[0] == "Category Name") continue;
         std::string key = c[0] + "|" + c[1] + "|" + c[2];
-        for (int i = 3; i < 8; ++i) key += "|" + std::to_string(std::lround(std::stod(c[i]) * 1000));
+        for (int i = 3; i < 8; ++i) {
+            double value = std::stod(c[i]);
+            if (i >= 6 && value < 0) value += 360.0;  // angles are kept from 0 to 360
+            key += "|" + std::to_string(std::lround(value * 1000));
+        }
         rows.push_back(key);
     }
     return rows;
