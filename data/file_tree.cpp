@@ -106,6 +106,9 @@ void scanFolder(FileNode& node, const std::atomic<bool>& cancel, std::atomic<int
         }
     }
     closedir(folder);
+    // The tree stays in memory for as long as the selector is open: no growth slack.
+    node.files.shrink_to_fit();
+    node.folders.shrink_to_fit();
 }
 
 void applyFilter(FileNode& root, const std::string& filter, std::string& selectedPath) {
