@@ -116,9 +116,18 @@ TEST_F(FileDialogTest, TypedPathsAreCheckedAtEachChangeAndAGoodFileIsImportedAsT
     click(kTitle, "File/Import Camera File");
     ASSERT_TRUE(shows(kTitle, "Finder"));
     EXPECT_FALSE(has(kTitle, "Import Camera File##ImportCameraFile")) << "no path, no import";
-
-    // Typed without pixels (a key a frame), drawn again for the colour and the pictures.
+    // Worked without pixels (typing takes a frame a key), drawn again for the colour and
+    // the pictures. This entry's selector starts at the aircraft folders.
     xphost::setDrawing(false);
+    click(kTitle, "Finder");
+    runFrames(3);
+    ASSERT_NE(panel->fileDialog, nullptr);
+    EXPECT_EQ(panel->fileDialog->rootPath, root + "Aircraft/");
+    EXPECT_TRUE(has(kSelector, "Laminar Research"));
+    click(kSelector, "Cancel");
+    runFrames(1);
+    EXPECT_EQ(panel->fileDialog, nullptr);
+
     ASSERT_EQ(xphost::uiType(kTitle, "File Path", root + "bad.csv"), "");
     xphost::setDrawing(true);
     runFrames(1);
