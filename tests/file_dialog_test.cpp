@@ -29,6 +29,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Under a sanitizer the frames are timed and reported, but not held to the limit.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define VISTARIG_SANITIZED 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(VISTARIG_SANITIZED)
+constexpr bool kTimed = false;
+#else
+constexpr bool kTimed = true;
+#endif
+
 const char* const kTitle = "Vistarig 2.4.3 Control Panel";
 const char* const kSelector = "File Selector";
 const char* const kBackups = "Resources/plugins/Vistarig/AircraftCameraBackups/";
@@ -294,8 +306,10 @@ TEST_F(FileDialogTest, FramesStayShortWhileTheSelectorReadsALargeTree) {
     } while (dialog->scan.running.load() && frames < 100000);
     const double scanMs = frameMs(scanFrom);
     EXPECT_EQ(dialog->scan.count.load(), files);
-    EXPECT_LT(worst, 50.0) << "a frame waited for the scan";
-    EXPECT_LT(firstMs, emptyFirstMs + 50.0);
+    if (kTimed) {
+        EXPECT_LT(worst, 50.0) << "a frame waited for the scan";
+        EXPECT_LT(firstMs, emptyFirstMs + 50.0);
+    }
     runFrames(2);
     EXPECT_FALSE(shows(kSelector, "Please Wait...")) << "the count closes by itself";
     EXPECT_TRUE(shows(kSelector, "Many"));
