@@ -112,6 +112,18 @@ protected:
             }
         return count;
     }
+    // "Finder", then frames until the selector's worker is done and its count has closed.
+    void openFinder(ControlPanelWidget* panel) {
+        click(kTitle, "Finder");
+        for (int i = 0; i < 2000 && (!panel->fileDialog || panel->fileDialog->frameCount == 0 ||
+                                     panel->fileDialog->scan.running.load());
+             ++i) {
+            runFrames(1);
+            if (panel->fileDialog && panel->fileDialog->scan.running.load())
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        runFrames(3);
+    }
     static void screenshot(const std::string& name) {
         fs::create_directories(VISTARIG_SCREENSHOT_DIR);
         std::string error;
@@ -131,8 +143,7 @@ TEST_F(FileDialogTest, TypedPathsAreCheckedAtEachChangeAndAGoodFileIsImportedAsT
     // Worked without pixels (typing takes a frame a key), drawn again for the colour and
     // the pictures. This entry's selector starts at the aircraft folders.
     xphost::setDrawing(false);
-    click(kTitle, "Finder");
-    runFrames(3);
+    openFinder(panel);
     ASSERT_NE(panel->fileDialog, nullptr);
     EXPECT_EQ(panel->fileDialog->rootPath, root + "Aircraft/");
     EXPECT_TRUE(has(kSelector, "Laminar Research"));
@@ -192,8 +203,7 @@ TEST_F(FileDialogTest, FinderShowsTheBackupsWithAMatchAndHandsOverOneChosenFile)
     writeFile(std::string(kBackups) + "junk/readme.txt", "x");
     ControlPanelWidget* panel = open();
     click(kTitle, "File/Import Camera File from Backup");
-    click(kTitle, "Finder");
-    runFrames(3);
+    openFinder(panel);
     ASSERT_NE(panel->fileDialog, nullptr);
     FileDialog* dialog = panel->fileDialog;
     EXPECT_TRUE(shows(kTitle, "Waiting for File Selection...."));
@@ -237,15 +247,13 @@ TEST_F(FileDialogTest, FinderShowsTheBackupsWithAMatchAndHandsOverOneChosenFile)
     EXPECT_TRUE(has(kTitle, "Import Camera File##ImportCameraFile"));
 
     // "Cancel" and the simulator's close box both end the wait with no path.
-    click(kTitle, "Finder");
-    runFrames(3);
+    openFinder(panel);
     click(kSelector, "Cancel");
     runFrames(1);
     EXPECT_EQ(panel->fileDialog, nullptr);
     EXPECT_EQ(std::string(panel->importPath), "");
     EXPECT_TRUE(shows(kTitle, "Finder"));
-    click(kTitle, "Finder");
-    runFrames(3);
+    openFinder(panel);
     ASSERT_NE(panel->fileDialog, nullptr);
     XPLMSetWindowIsVisible(panel->fileDialog->GetWindowId(), 0);
     runFrames(3);
