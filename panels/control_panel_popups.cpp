@@ -214,5 +214,5 @@ void ControlPanelWidget::BuildPopups() {
     buildAirportCamerasForm();
     buildConfirmNewSet();
     buildViewIdPopup();
-    buildImportPopup(importKind);
+    BuildImportPopup();
 }

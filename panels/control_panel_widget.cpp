@@ -15,6 +15,7 @@
 #include "panels/camera_lists_pane.h"
 #include "panels/camera_options_pane.h"
 #include "panels/community_popups.h"
+#include "panels/file_dialog.h"
 #include "panels/movement_pane.h"
 #include "panels/msg_box_widget.h"
 #include "panels/pending_actions.h"
@@ -152,6 +153,7 @@ ControlPanelWidget::ControlPanelWidget(int left_, int top_, int right_, int bott
 }
 
 ControlPanelWidget::~ControlPanelWidget() {
+    if (fileDialog) destroyFileDialog(fileDialog);
     if (controlPanel == this) {
         controlPanel = nullptr;
         publishPanelState();
@@ -284,11 +286,13 @@ void ControlPanelWidget::BuildFileMenu() {
             stopCameraMotion();
             pendingPopup = importPopup;
             importKind = importPopup;
+            importPath[0] = '\0';
         }
         if (ImGui::MenuItem("Import Camera File from Backup")) {
             stopCameraMotion();
             pendingPopup = importBackupPopup;
             importKind = importBackupPopup;
+            importPath[0] = '\0';
         }
     } else if (ImGui::MenuItem("Load Aircraft File")) {
         stopCameraMotion();

@@ -12,6 +12,7 @@
 #include "panels/window_placement.h"
 
 struct NearbyAirport;
+class FileDialog;
 
 class ControlPanelWidget : public KvtImWindow {
 public:
@@ -50,12 +51,19 @@ public:
     bool selfDecorated = false;     // the translucent form
     int fullWidth = 0, fullHeight = 0;  // size when built, advanced options shown
     char importPath[512] = {};
-    void* fileDialog = nullptr;  // the import popup's file selector; null when none is open
+    FileDialog* fileDialog = nullptr;  // the import popup's file selector; null when none is open
     int saveCounter = 0;         // frames since a save, for "[SAVE COMPLETED]"; 0 idle
     bool autoCorrectImport = false;
     std::string importError;
 
     bool insideFrame() const { return buildingFrame; }
+
+    // The import popup's file selector: true while the user is still choosing; takes
+    // the chosen path and destroys the selector once it is done. With `open` and no
+    // selector, makes one on the folder of `importKind`.
+    bool pollFileDialog(bool open);
+    // `importError` for `importPath`.
+    void validateImportPath();
 
 private:
     void BuildMenuBar();
@@ -65,6 +73,7 @@ private:
     void BuildPanes();
     void BuildSaveRow();
     void BuildPopups();
+    void BuildImportPopup();
     void CreateAirportFile(const NearbyAirport& airport);
 
     bool buildingFrame = false;

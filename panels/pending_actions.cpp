@@ -27,7 +27,6 @@ static void placeholderPopup(const char* name) {
     ImGui::SetItemDefaultFocus();
     ImGui::EndPopup();
 }
-void buildImportPopup(int) { placeholderPopup("Import Camera File"); }
 
 bool& showTargetInformation() { return targetInformation; }
 void selectNearestTarget() { notYet("Target selection"); }

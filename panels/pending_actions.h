@@ -12,7 +12,6 @@ void toggleTrafficDisplay();
 
 // Control Panel popups whose features come with their own units; each draws its modal
 // popup by name (a stand-in form until then).
-void buildImportPopup(int importKind);
 
 // Targets. `showTargetInformation` is the run-time switch of the target overlay.
 bool& showTargetInformation();

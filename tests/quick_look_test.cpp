@@ -2,6 +2,7 @@
 // views beside "Pilot View", outside views in "External", with view IDs that match the
 // Quick Look commands, saved at once.
 #include <cmath>
+#include <filesystem>
 
 #include "data/camera_file.h"
 #include "data/quick_look.h"
@@ -66,6 +67,54 @@ TEST_F(QuickLookTest, ANewFileOffersTheImportAndTheImportMakesAndSavesTheCameras
     EXPECT_NEAR(circle.heading, 270.0, 1e-3);
     // Saved without the user's help.
     EXPECT_NE(readFile(perModelPath()).find("External,Quick Look 4,5,"), std::string::npos);
+}
+
+// Only cockpit views: no "External" category. Then, for a new file again, only outside
+// views: "Pilot View" alone in front, the chase view straight behind at its distance.
+TEST_F(QuickLookTest, CockpitOnlyAndOutsideOnlyViewsEachMakeTheirOwnCategories) {
+    writeFile(prefsPath(), "_iql_view_type_3 v_3dc\n_iql_pe_y_3 1.2\n_iql_view_type_19 v_3dc\n_iql_pe_z_19 -0.5\n");
+    loadCameraFile(nullptr);
+    ASSERT_TRUE(queuedMessageBoxes().back().callback);
+    queuedMessageBoxes().back().callback();
+    ASSERT_EQ(categoryCount(), 1);
+    const Category& cockpit = workingSet().categories[0];
+    ASSERT_EQ(cockpit.cameraCount, 3);
+    EXPECT_EQ(cockpit.cameras[0].viewId, 1) << "no view 0: the pilot's view keeps view ID 1";
+    EXPECT_STREQ(cockpit.cameras[2].name, "Quick Look 19");
+    EXPECT_EQ(cockpit.cameras[2].viewId, 20);
+    EXPECT_FLOAT_EQ(cockpit.cameras[2].z, -0.5f);
+    EXPECT_TRUE(cockpit.cameras[1].smoothTransition);
+    EXPECT_EQ(currentCategoryIndex(), 0);
+    EXPECT_EQ(cockpit.currentCamera, 0);
+
+    std::filesystem::remove(perModelPath());
+    writeFile(prefsPath(), "_iql_view_type_0 v_cha\n_iql_circ_dis_0 35\n_iql_circ_psi_0 40\n"
+                           "_iql_view_type_7 v_tow\n_iql_circ_dis_7 99\n");
+    EXPECT_EQ(countQuickLookViews(), 1) << "a tower view is neither counted nor imported";
+    loadCameraFile(nullptr);
+    ASSERT_TRUE(queuedMessageBoxes().back().callback);
+    queuedMessageBoxes().back().callback();
+    ASSERT_EQ(categoryCount(), 2);
+    ASSERT_EQ(workingSet().categories[0].cameraCount, 1);
+    EXPECT_STREQ(workingSet().categories[0].cameras[0].name, "Pilot View");
+    EXPECT_EQ(workingSet().categories[0].cameras[0].viewId, 0) << "view 0 takes view ID 1";
+    const Category& external = workingSet().categories[1];
+    ASSERT_EQ(external.cameraCount, 1);
+    const Camera& chase = external.cameras[0];
+    EXPECT_EQ(chase.viewId, 1);
+    EXPECT_TRUE(chase.chaseView9 && chase.external);
+    EXPECT_EQ(chase.initialMovementRange, 2);
+    EXPECT_FLOAT_EQ(chase.z, 35.0f);
+    EXPECT_FLOAT_EQ(chase.x, 0.0f);
+    EXPECT_FLOAT_EQ(chase.heading, 0.0f);
+    EXPECT_EQ(currentCategoryIndex(), 0);
+}
+
+TEST_F(QuickLookTest, NoPreferencesFileIsNoViewsAndSaysWhichFile) {
+    EXPECT_EQ(countQuickLookViews(), 0);
+    EXPECT_TRUE(logHas("Unable to read " + prefsPath()));
+    loadCameraFile(nullptr);
+    EXPECT_FALSE(queuedMessageBoxes().back().callback) << "nothing to offer";
 }
 
 }  // namespace

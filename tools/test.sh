@@ -30,14 +30,17 @@ run_suite plain -DCMAKE_BUILD_TYPE=RelWithDebInfo
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   run_suite asan -DCMAKE_BUILD_TYPE=Debug -DVISTARIG_SANITIZE=ON -DVISTARIG_BENCH=OFF
 
-# The community folder scan and the updater's workers run on threads of their own: their
-# tests again under ThreadSanitizer.
+# The community folder scan, the updater's workers and the file selector's scan run on
+# threads of their own: their tests again under ThreadSanitizer (the selector's in the
+# host, whose Mesa has threads of its own: tools/tsan.supp).
 tsan_build="$root/build/tsan"
 echo "== tsan build"
 cmake -S "$root" -B "$tsan_build" -DCMAKE_BUILD_TYPE=Debug -DVISTARIG_TSAN=ON -DVISTARIG_BENCH=OFF >/dev/null
 cmake --build "$tsan_build" -j"$jobs" --target vistarig_tests
-echo "== tsan community scan and updater tests"
-TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 "$tsan_build/tests/vistarig_tests" --gtest_filter='CommunityScanThread*:CommunityServerTest.UpdaterThreads*:CommunityServerTest.Cancel*' \
+echo "== tsan scan, updater and file selector thread tests"
+TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1:suppressions=$root/tools/tsan.supp" \
+  "$tsan_build/tests/vistarig_tests" \
+  --gtest_filter='CommunityScanThread*:CommunityServerTest.UpdaterThreads*:CommunityServerTest.Cancel*:FileScanThread*:FileDialogTest.Frames*' \
   | tee "$tsan_build/tsan.log"
 tsan_count=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\..*/\1/p' "$tsan_build/tsan.log" | tail -n 1)
 passed=$((passed + ${tsan_count:-0}))

@@ -44,6 +44,51 @@ const TreeFile defaultTreeFiles[] = {
      "Orbit,Sweep 3,0,-17.677670,4.400000,17.677670,45.000000,0.000000,FALSE,FALSE,FALSE,TRUE,FALSE,TRUE,0,TRUE,FALSE,0.000000,0.000000,0.000000,0.000000,0.000000,0.000000,1.000000,60.000000,FALSE,TRUE,TRUE,TRUE,0.000000,0.000000,FALSE,FALSE,TRUE,FALSE,FALSE,2,FALSE,0,1.5,TRUE,2.4.3,60.000000,Cessna_172SP,Vistarig Runner ,2024-01-01 12:00:00 ,3,FALSE,0,0,0,FALSE,0.000000,FALSE,FALSE,FALSE,FALSE,0.000000,0,FALSE,FALSE,FALSE,FALSE,FALSE,0.000000,FALSE,0.0,0,0,FALSE\n"
      "Orbit,Sweep 4,0,0.000000,5.200000,25.000000,0.000000,0.000000,FALSE,FALSE,FALSE,TRUE,FALSE,TRUE,0,TRUE,FALSE,0.000000,0.000000,0.000000,0.000000,0.000000,0.000000,1.000000,60.000000,FALSE,TRUE,TRUE,TRUE,0.000000,0.000000,FALSE,FALSE,TRUE,FALSE,FALSE,2,FALSE,0,1.5,TRUE,2.4.3,60.000000,Cessna_172SP,Vistarig Runner ,2024-01-01 12:00:00 ,3,FALSE,0,0,0,FALSE,0.000000,FALSE,FALSE,FALSE,FALSE,0.000000,0,FALSE,FALSE,FALSE,FALSE,FALSE,0.000000,FALSE,0.0,0,0,FALSE\n"
      "Orbit,Sweep 5,0,17.677670,6.000000,17.677670,315.000000,0.000000,FALSE,FALSE,FALSE,TRUE,FALSE,TRUE,0,FALSE,FALSE,0.000000,0.000000,0.000000,0.000000,0.000000,0.000000,1.000000,60.000000,FALSE,TRUE,TRUE,TRUE,0.000000,0.000000,FALSE,FALSE,TRUE,FALSE,FALSE,2,FALSE,0,1.5,TRUE,2.4.3,60.000000,Cessna_172SP,Vistarig Runner ,2024-01-01 12:00:00 ,3,FALSE,0,0,0,FALSE,0.000000,FALSE,FALSE,FALSE,FALSE,0.000000,0,FALSE,FALSE,FALSE,FALSE,FALSE,0.000000,FALSE,0.0,0,0,FALSE\n"},
+    // The aircraft's own preferences as the simulator keeps them (key, blank, value), with
+    // the user's Quick Look views: two cockpit views, a ride-along, a circle and a chase
+    // view, and a tower view that the plug-in doesn't take.
+    {"Aircraft/Laminar Research/Cessna 172 SP/Cessna_172SP_prefs.txt",
+     "I\n"
+     "1200 Version\n"
+     "_joy_use_acf_axis 0\n"
+     "_iql_view_type_0 v_3dc\n"
+     "_iql_pe_x_0 -0.280000\n"
+     "_iql_pe_y_0 1.050000\n"
+     "_iql_pe_z_0 0.350000\n"
+     "_iql_look_os_psi_0 0.000000\n"
+     "_iql_look_os_the_0 -10.000000\n"
+     "_iql_circ_psi_0 0.000000\n"
+     "_iql_circ_the_0 0.000000\n"
+     "_iql_circ_dis_0 0.000000\n"
+     "_iql_view_type_2 v_3dc\n"
+     "_iql_pe_x_2 0.300000\n"
+     "_iql_pe_y_2 1.000000\n"
+     "_iql_pe_z_2 0.100000\n"
+     "_iql_look_os_psi_2 315.000000\n"
+     "_iql_look_os_the_2 -5.000000\n"
+     "_iql_circ_psi_2 0.000000\n"
+     "_iql_circ_the_2 0.000000\n"
+     "_iql_circ_dis_2 0.000000\n"
+     "_iql_view_type_5 v_rid\n"
+     "_iql_pe_x_5 0.000000\n"
+     "_iql_pe_y_5 0.000000\n"
+     "_iql_pe_z_5 0.000000\n"
+     "_iql_look_os_psi_5 0.000000\n"
+     "_iql_look_os_the_5 0.000000\n"
+     "_iql_circ_psi_5 30.000000\n"
+     "_iql_circ_the_5 10.000000\n"
+     "_iql_circ_dis_5 22.000000\n"
+     "_iql_view_type_7 v_cir\n"
+     "_iql_circ_psi_7 270.000000\n"
+     "_iql_circ_the_7 15.000000\n"
+     "_iql_circ_dis_7 40.000000\n"
+     "_iql_view_type_9 v_twr\n"
+     "_iql_circ_dis_9 300.000000\n"
+     "_iql_view_type_11 v_cha\n"
+     "_iql_circ_psi_11 0.000000\n"
+     "_iql_circ_the_11 5.000000\n"
+     "_iql_circ_dis_11 30.000000\n"
+     "_sound_master 1.000000\n"},
     {"Resources/plugins/Vistarig/MyTargets/", ""},
     {"Resources/plugins/Vistarig/AircraftCameraBackups/", ""},
     {"Resources/plugins/Vistarig/CommunityAircraftCameras/", ""},

@@ -4,6 +4,9 @@
 //   reload_cameras                     KVT/Vistarig/Restore_All_Cameras
 //   expect_file_contains <path> <text> the file (relative to the X-Plane folder) holds text
 //   expect_file_missing <path>         no such file
+//   copy_file <from> <to>              copies a file, making the folders of <to>
+//   remove_file <path>                 removes a file (a before_load section: a tree without it)
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -51,6 +54,27 @@ xphost::ScenarioVerbRegistration missingVerb(
         std::ifstream file(fullPath(line.args[1]));
         if (file) return line.args[1] + " exists";
         if (line.out) *line.out << "ok " << line.args[1] << " is missing\n";
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration copyVerb(
+    "copy_file", "copy_file <from> <to>", [](xphost::ScenarioLine& line) -> std::string {
+        if (line.args.size() != 3) return "usage: copy_file <from> <to>";
+        const std::filesystem::path to = fullPath(line.args[2]);
+        std::error_code error;
+        std::filesystem::create_directories(to.parent_path(), error);
+        std::filesystem::copy_file(fullPath(line.args[1]), to, std::filesystem::copy_options::overwrite_existing,
+                                   error);
+        if (error) return "cannot copy " + line.args[1] + " to " + line.args[2] + ": " + error.message();
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration removeVerb(
+    "remove_file", "remove_file <path>", [](xphost::ScenarioLine& line) -> std::string {
+        if (line.args.size() != 2) return "usage: remove_file <path>";
+        std::error_code error;
+        if (!std::filesystem::remove(fullPath(line.args[1]), error) || error)
+            return "cannot remove " + line.args[1] + (error ? ": " + error.message() : std::string());
         return std::string();
     });
 
