@@ -15,9 +15,10 @@ bool MiniControlPanelAction(int op) {
     return false;
 }
 
-void SettingsPanelAction(bool) { notYet("The Settings panel"); }
 void openSaveTargetPanel() { notYet("Saving a target"); }
 void toggleTrafficDisplay() { notYet("The Traffic Display"); }
+void destroyTrafficDisplay() {}
+void openCalibrateViewAxisPanel() { notYet("View axis calibration"); }
 
 // A modal popup that only says so, with a button to close it.
 static void placeholderPopup(const char* name) {
@@ -30,6 +31,8 @@ static void placeholderPopup(const char* name) {
 void buildImportPopup(int) { placeholderPopup("Import Camera File"); }
 
 bool& showTargetInformation() { return targetInformation; }
+void rebuildNearTargets() {}
+void sortNearTargets() {}
 void selectNearestTarget() { notYet("Target selection"); }
 void selectNextTarget() { notYet("Target selection"); }
 void selectPreviousTarget() { notYet("Target selection"); }

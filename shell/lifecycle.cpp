@@ -16,11 +16,14 @@
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
+#include "panels/settings_widget.h"
 #include "panels/updater_widget.h"
 #include "shell/command_table.h"
 #include "shell/host_interface.h"
 #include "shell/integration_datarefs.h"
 #include "shell/sim_commands.h"
+#include "panels/pending_actions.h"
+#include "shell/plugin_menu.h"
 
 namespace {
 
@@ -108,6 +111,7 @@ void hostEnable() {
     readSettings();
     readTargets();
     buildCameraFileList();
+    buildMenu();
     logMessage("Initialization complete for version %s", versionText());
     if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
     createInputWindow();
@@ -117,8 +121,12 @@ void hostEnable() {
 void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     autosaveUnsavedEdits();
+    removeMenu();
     ControlPanelAction(4);
     destroyUpdater();
+    MiniControlPanelAction(4);
+    // No window of ours outlives the host level; the next use makes the panel again.
+    destroySettingsPanel();
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();
@@ -184,6 +192,7 @@ void enableCamera() {
     TrackIRStart(gState.trackIrStatus);
     gState.cameraEnabled = true;
     selectCockpitView(false);
+    refreshMenu();
 }
 
 void disableCamera(bool keepHead) {
@@ -200,6 +209,7 @@ void disableCamera(bool keepHead) {
     XPLMUnregisterFlightLoopCallback(mainFlightLoop, nullptr);
     TrackIRStop(gState.trackIrStatus);
     gState.cameraEnabled = false;
+    refreshMenu();
 
     const CameraPose& head = gState.savedHeadPose;
     if (!keepHead) {
@@ -227,11 +237,14 @@ float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void
         speakQueuedAnnouncements();
         serviceCommunityScan(gCommunityScanThread, gState.communityRescanRequested);
         if (gState.firstFrameAfterEnable) gState.miniPanelStartTime = monotonicMilliseconds();
-        if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000)
+        if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000) {
+            MiniControlPanelAction(0);
             gState.miniPanelStartTime = 0;
+        }
         gState.lastFrameSeconds = sinceLastCall;
         advanceSimulatorClock(sinceLastCall);
         runFrame();
+        MiniControlPanelAction(6);
         ControlPanelAction(7);  // a changed form or font takes effect here
     } catch (...) {
         logMessage("The frame failed and was skipped");
