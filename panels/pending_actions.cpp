@@ -10,11 +10,6 @@ void notYet(const char* what) { logMessage("%s is not available in this build", 
 bool targetInformation = true;
 }  // namespace
 
-bool MiniControlPanelAction(int op) {
-    if (op == 1) notYet("The Mini Control Panel");
-    return false;
-}
-
 void openSaveTargetPanel() { notYet("Saving a target"); }
 void toggleTrafficDisplay() { notYet("The Traffic Display"); }
 void destroyTrafficDisplay() {}

@@ -5,7 +5,6 @@
 #pragma once
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
-bool MiniControlPanelAction(int op);
 void openSaveTargetPanel();
 void toggleTrafficDisplay();
 // Destroys the Traffic Display if it exists.

@@ -16,6 +16,7 @@
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
+#include "panels/mini_control_panel_widget.h"
 #include "panels/settings_widget.h"
 #include "panels/updater_widget.h"
 #include "shell/command_table.h"

@@ -7,6 +7,7 @@
 #include "motion/frame_driver.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
+#include "panels/mini_control_panel_widget.h"
 #include "panels/settings_widget.h"
 #include "panels/updater_widget.h"
 #include "shell/host_interface.h"
