@@ -110,9 +110,9 @@ void hostEnable() {
     createCommands();
 
     readSettings();
+    buildMenu();
     readTargets();
     buildCameraFileList();
-    buildMenu();
     logMessage("Initialization complete for version %s", versionText());
     if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
     createInputWindow();
