@@ -89,8 +89,9 @@ void SettingsPanelAction(bool toggle) {
     int screenLeft = 0, screenTop = 0, screenRight = 0, screenBottom = 0;
     XPLMGetScreenBoundsGlobal(&screenLeft, &screenTop, &screenRight, &screenBottom);
     ImGuiContext* saved = ImGui::GetCurrentContext();
+    // 650 high: at the 18-point font every row and the button row fit without a scroll bar.
     settingsPanel = std::make_unique<SettingsWidget>(screenLeft + 175, screenTop - 75, screenLeft + 885,
-                                                     screenTop - 675, 1);
+                                                     screenTop - 725, 1);
     settingsPanel->SetVisible(true);
     FillGlobalMonitors(settingsPanel->monitors);
     settingsPanel->Init();

@@ -95,17 +95,20 @@ const char* const kSettingsTitle = "Vistarig 2.4.3 Settings";
 
 class MenuAndSettingsTest : public PluginTest {
 protected:
+    bool enableOnSetUp() override { return false; }
     void SetUp() override {
         overridePluginDirectory("");  // found again under this test's tree
         PluginTest::SetUp();
+        // The plug-in's own folders first, so that no message box about them stands in the pictures.
+        for (const char* folder : {"MyTargets", "AircraftCameraBackups", "MyAirportCameras"})
+            std::filesystem::create_directories(root + "Resources/plugins/Vistarig/" + folder);
+        ASSERT_TRUE(xphost::enablePlugin(plugin));
         const char* font = "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf";
         if (std::filesystem::exists(font)) {
             std::filesystem::create_directories(root + "Resources/fonts");
             std::filesystem::copy_file(font, root + "Resources/fonts/Roboto-Regular.ttf",
                                        std::filesystem::copy_options::overwrite_existing);
         }
-        for (const char* folder : {"MyTargets", "AircraftCameraBackups", "MyAirportCameras"})
-            std::filesystem::create_directories(root + "Resources/plugins/Vistarig/" + folder);
     }
     static void pick(const std::string& item) {
         std::string error;
