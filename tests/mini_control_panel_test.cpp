@@ -104,7 +104,22 @@ TEST_F(MiniControlPanelTest, StartsHiddenAndFollowsThePointerAtTheBottomEdge) {
     xphost::setMousePosition(960, 4);
     runFrames(1);
     EXPECT_TRUE(visible());
-    xphost::setMousePosition(960, 151);
+    // Dragging the bar up sets the height; the pointer above the old top doesn't hide it.
+    xphost::setMousePosition(400, 140);
+    runFrames(1);
+    xphost::pressMouseButton(xphost::MouseButton::Left);
+    runFrames(2);
+    for (int y = 150; y <= 200; y += 10) {
+        xphost::setMousePosition(400, y);
+        runFrames(1);
+        EXPECT_TRUE(visible()) << y;
+    }
+    xphost::releaseMouseButton(xphost::MouseButton::Left);
+    runFrames(2);
+    xphost::WindowInfo w;
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    EXPECT_GT(w.top, 180);
+    xphost::setMousePosition(960, w.top + 1);
     runFrames(1);
     EXPECT_FALSE(visible());
 
