@@ -223,3 +223,43 @@ TEST_F(MiniControlPanelTest, ScreenshotShowsTheRowHues) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(MiniControlPanelTest, PoppedOutPlaceComesBackAtStartAndDockedBringsItHome) {
+    command("KVT/Vistarig/Toggle_Mini_Control_Panel");
+    runFrames(2);
+    click("Docked");  // undocked: a free window the simulator can pop out
+    runFrames(1);
+    xphost::WindowInfo w;
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    int x = 0, y = 0;
+    ASSERT_TRUE(xphost::windowControl(w.id, xphost::WindowControl::popOutBox, x, y));
+    xphost::click(x, y);
+    runFrames(2);
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    ASSERT_TRUE(w.poppedOut);
+    const WindowPosition saved = settings().LAST_MINI_CONTROL_PANEL_POSITION;
+    EXPECT_EQ(saved.kind, 2);
+
+    // The next start puts it back out there.
+    MiniControlPanelAction(4);
+    EXPECT_TRUE(MiniControlPanelAction(0));
+    runFrames(2);
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    EXPECT_TRUE(w.poppedOut);
+    EXPECT_EQ(w.decoration, 1);
+
+    // "Docked" on the popped-out panel: back in, along the bottom of the screen. The
+    // host's pointer works windows inside the simulator only, so the box is set as its
+    // click would set it.
+    miniControlPanelWidget()->docked = true;
+    runFrames(1);
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    EXPECT_FALSE(w.poppedOut);
+    EXPECT_EQ(w.decoration, 2);
+    EXPECT_EQ(w.bottom, 0);
+    EXPECT_EQ(w.right - w.left, 1920);
+}
+
+}  // namespace
