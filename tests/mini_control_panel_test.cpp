@@ -263,3 +263,29 @@ TEST_F(MiniControlPanelTest, PoppedOutPlaceComesBackAtStartAndDockedBringsItHome
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(MiniControlPanelTest, DocksOnTheChosenMonitorAndMovesWhenTheSettingChanges) {
+    xphost::setMonitors({{0, 1080, 1920, 0}, {1920, 1200, 3840, 0}});
+    settings().MINI_CONTROL_PANEL_MONITOR_INDEX = 1;
+    command("KVT/Vistarig/Toggle_Mini_Control_Panel");
+    runFrames(2);
+    xphost::WindowInfo w;
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    EXPECT_EQ(w.left, 1920);
+    EXPECT_EQ(w.right, 3840);
+    settings().MINI_CONTROL_PANEL_MONITOR_INDEX = 0;
+    runFrames(2);
+    ASSERT_TRUE(xphost::findWindow(kTitle, w));
+    EXPECT_EQ(w.left, 0);
+    EXPECT_EQ(w.right, 1920);
+    EXPECT_TRUE(w.visible);
+    // An index past the monitors falls back to the first, and the setting with it.
+    MiniControlPanelAction(4);
+    settings().MINI_CONTROL_PANEL_MONITOR_INDEX = 7;
+    MiniControlPanelAction(1);
+    EXPECT_EQ(settings().MINI_CONTROL_PANEL_MONITOR_INDEX, 0);
+}
+
+}  // namespace
