@@ -9,7 +9,8 @@
 #include "data/settings.h"
 #include "motion/frame_driver.h"
 #include "panels/msg_box_widget.h"
-#include "shell/host_interface.h"
+#include "data/plugin_state.h"
+#include "platform/runtime.h"
 
 namespace {
 

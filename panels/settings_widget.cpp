@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "panels/msg_box_widget.h"
-#include "shell/host_interface.h"
+#include "platform/runtime.h"
 
 namespace {
 
