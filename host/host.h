@@ -164,6 +164,8 @@ std::string menuText();
 // Picks an item by its path of names, e.g. "Plugins/Vistarig/Toggle Control Panel":
 // runs its command or calls its menu's handler. False with a message if absent.
 bool pickMenuItem(const std::string& path, std::string& error);
+// "enabled", "disabled" or "absent" for the item at a menu path.
+std::string menuItemState(const std::string& path);
 
 // ---------------------------------------------------------------- records
 struct FrameRecord {

@@ -133,6 +133,14 @@ ScenarioVerbRegistration menuVerb("menu", "menu \"Plugins/NAME/ITEM\"   (picks a
     return std::string();
 });
 
+ScenarioVerbRegistration expectMenuVerb(
+    "expect_menu", "expect_menu \"Plugins/NAME/ITEM\" enabled|disabled|absent", [](ScenarioLine& line) {
+        if (line.args.size() != 3) return std::string("usage: expect_menu \"Plugins/NAME/ITEM\" enabled|disabled|absent");
+        std::string state = menuItemState(line.args[1]);
+        if (state != line.args[2]) return line.args[1] + " is " + state + ", not " + line.args[2];
+        return std::string();
+    });
+
 ScenarioVerbRegistration menusVerb("menus", "menus   (prints the menu bar)", [](ScenarioLine& line) {
     *line.out << menuText();
     return std::string();
@@ -148,6 +156,26 @@ std::string menuText() {
         describe(m, 1, out);
     }
     return out.str();
+}
+
+std::string menuItemState(const std::string& path) {
+    ensureInitialized();
+    std::vector<std::string> parts = split(path);
+    Menu* menu = nullptr;
+    for (Menu* m : menus().bar)
+        if (m->name == parts[0]) menu = m;
+    for (size_t i = 1; menu && i < parts.size(); ++i) {
+        MenuItem* found = nullptr;
+        for (auto& item : menu->items)
+            if (!item.separator && item.name == parts[i]) {
+                found = &item;
+                break;
+            }
+        if (!found) break;
+        if (i + 1 == parts.size()) return found->enabled ? "enabled" : "disabled";
+        menu = found->submenu && !found->submenu->dead ? found->submenu : nullptr;
+    }
+    return "absent";
 }
 
 bool pickMenuItem(const std::string& path, std::string& error) {

@@ -21,6 +21,7 @@ struct OutsidePlugins {
     SimDataRef* headShakeOverride = nullptr;
     SimDataRef* headShakeOffsets[6] = {};
     int xpRealisticPlugin = -1;
+    int pilotViewPlugin = -1;
     float xpRealisticOffsets[6] = {};
 };
 
@@ -63,6 +64,12 @@ void setHeadShakeOffsets(float x, float y, float z, float yaw, float pitch, floa
 }
 
 int headShakeOverrideValue() { return state.headShakeOverride ? state.headShakeOverride->i : -1; }
+
+void installPilotView() {
+    ensureInitialized();
+    if (state.pilotViewPlugin < 0)
+        state.pilotViewPlugin = addStandInPlugin("PilotView", "acmetools.projects.pilotview", "PilotView", nullptr);
+}
 
 void installXpRealistic() {
     ensureInitialized();

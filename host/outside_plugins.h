@@ -1,5 +1,5 @@
 // Stand-ins for the outside plug-ins that the camera plug-in reaches only through the
-// simulator: HeadShake (its override and six offset datarefs) and XP-Realistic, which
+// simulator: HeadShake, PilotView (present only) (its override and six offset datarefs) and XP-Realistic, which
 // writes its presence and six view offsets into the camera plug-in's integration
 // datarefs every frame. Absent after every reset.
 #pragma once
@@ -12,6 +12,9 @@ void installHeadShake(bool withDatarefs = true);
 void setHeadShakeOffsets(float x, float y, float z, float yaw, float pitch, float roll);
 // What the camera plug-in last wrote to "simcoders/headshake/override" (-1: no HeadShake).
 int headShakeOverrideValue();
+
+// Adds PilotView, which the camera plug-in only looks for by its signature.
+void installPilotView();
 
 // Adds XP-Realistic: from the next frame on it writes XPRealistic_present = 1 and the
 // offsets (order x, y, z, pitch, heading, roll), as long as the datarefs exist.

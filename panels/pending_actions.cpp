@@ -10,14 +10,10 @@ void notYet(const char* what) { logMessage("%s is not available in this build", 
 bool targetInformation = true;
 }  // namespace
 
-bool MiniControlPanelAction(int op) {
-    if (op == 1) notYet("The Mini Control Panel");
-    return false;
-}
-
-void SettingsPanelAction(bool) { notYet("The Settings panel"); }
 void openSaveTargetPanel() { notYet("Saving a target"); }
 void toggleTrafficDisplay() { notYet("The Traffic Display"); }
+void destroyTrafficDisplay() {}
+void openCalibrateViewAxisPanel() { notYet("View axis calibration"); }
 
 // A modal popup that only says so, with a button to close it.
 static void placeholderPopup(const char* name) {
@@ -29,6 +25,8 @@ static void placeholderPopup(const char* name) {
 }
 
 bool& showTargetInformation() { return targetInformation; }
+void rebuildNearTargets() {}
+void sortNearTargets() {}
 void selectNearestTarget() { notYet("Target selection"); }
 void selectNextTarget() { notYet("Target selection"); }
 void selectPreviousTarget() { notYet("Target selection"); }

@@ -13,7 +13,9 @@
 #include "motion/movement.h"
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
+#include "panels/mini_control_panel_widget.h"
 #include "panels/pending_actions.h"
+#include "panels/settings_widget.h"
 #include "shell/host_interface.h"
 
 namespace {

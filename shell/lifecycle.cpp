@@ -16,11 +16,15 @@
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
+#include "panels/mini_control_panel_widget.h"
+#include "panels/settings_widget.h"
 #include "panels/updater_widget.h"
 #include "shell/command_table.h"
 #include "shell/host_interface.h"
 #include "shell/integration_datarefs.h"
 #include "shell/sim_commands.h"
+#include "panels/pending_actions.h"
+#include "shell/plugin_menu.h"
 
 namespace {
 
@@ -106,6 +110,7 @@ void hostEnable() {
     createCommands();
 
     readSettings();
+    buildMenu();
     readTargets();
     buildCameraFileList();
     logMessage("Initialization complete for version %s", versionText());
@@ -117,8 +122,12 @@ void hostEnable() {
 void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     autosaveUnsavedEdits();
+    removeMenu();
     ControlPanelAction(4);
     destroyUpdater();
+    MiniControlPanelAction(4);
+    // No window of ours outlives the host level; the next use makes the panel again.
+    destroySettingsPanel();
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();
@@ -184,6 +193,7 @@ void enableCamera() {
     TrackIRStart(gState.trackIrStatus);
     gState.cameraEnabled = true;
     selectCockpitView(false);
+    refreshMenu();
 }
 
 void disableCamera(bool keepHead) {
@@ -200,6 +210,7 @@ void disableCamera(bool keepHead) {
     XPLMUnregisterFlightLoopCallback(mainFlightLoop, nullptr);
     TrackIRStop(gState.trackIrStatus);
     gState.cameraEnabled = false;
+    refreshMenu();
 
     const CameraPose& head = gState.savedHeadPose;
     if (!keepHead) {
@@ -227,11 +238,14 @@ float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void
         speakQueuedAnnouncements();
         serviceCommunityScan(gCommunityScanThread, gState.communityRescanRequested);
         if (gState.firstFrameAfterEnable) gState.miniPanelStartTime = monotonicMilliseconds();
-        if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000)
+        if (gState.miniPanelStartTime > 0 && monotonicMilliseconds() - gState.miniPanelStartTime > 1000) {
+            MiniControlPanelAction(0);
             gState.miniPanelStartTime = 0;
+        }
         gState.lastFrameSeconds = sinceLastCall;
         advanceSimulatorClock(sinceLastCall);
         runFrame();
+        MiniControlPanelAction(6);
         ControlPanelAction(7);  // a changed form or font takes effect here
     } catch (...) {
         logMessage("The frame failed and was skipped");

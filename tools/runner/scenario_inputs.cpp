@@ -72,6 +72,13 @@ xphost::ScenarioVerbRegistration headShake(
         return std::string();
     });
 
+xphost::ScenarioVerbRegistration pilotView("pilot_view", "pilot_view: installs PilotView (found by its signature only)",
+                                           [](xphost::ScenarioLine& line) {
+                                               if (line.args.size() != 1) return std::string("usage: pilot_view");
+                                               xphost::installPilotView();
+                                               return std::string();
+                                           });
+
 xphost::ScenarioVerbRegistration xpRealistic(
     "xp_realistic", "xp_realistic <x y z pitch heading roll>: installs XP-Realistic writing these offsets each frame",
     [](xphost::ScenarioLine& line) {

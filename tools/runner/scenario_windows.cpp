@@ -1,7 +1,9 @@
 // Scenario verbs for the screen: clicks, drags, the wheel and keys routed to the
 // plug-in's windows as X-Plane routes them, the list of windows, monitors, the user
 // interface scale, and screenshots. Coordinates are global boxels, y up.
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/host.h"
@@ -26,6 +28,15 @@ int buttonOf(const std::string& word) { return word == "right" ? 1 : 0; }
 
 // A relative file name lands beside the log, in the X-Plane tree.
 std::string outputPath(const std::string& name) { return name.empty() || name[0] == '/' ? name : xphost::root() + name; }
+
+// Plug-in timers count real milliseconds, as they do in the simulator.
+xphost::ScenarioVerbRegistration sleepVerb("sleep", "sleep MS   (waits in real time, no frames)", [](ScenarioLine& line) {
+    std::vector<int> v;
+    std::string error = ints(line, 1, 1, v);
+    if (!error.empty()) return error;
+    std::this_thread::sleep_for(std::chrono::milliseconds(v[0]));
+    return std::string();
+});
 
 xphost::ScenarioVerbRegistration clickVerb("click", "click X Y [left|right]   (press and release)", [](ScenarioLine& line) {
     std::vector<int> v;
