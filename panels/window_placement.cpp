@@ -99,7 +99,8 @@ PrfChoice parseWindowPositions(std::FILE* file) {
     // Key order breaks ties: the map iterates in it and only a smaller offset replaces.
     for (const auto& [key, entry] : entries) {
         const float magnitude = std::fabs(entry.offset);
-        if (magnitude >= 180.0f) continue;
+        // Written so that a "nan" in the file, which fails every comparison, never counts.
+        if (!(magnitude < 180.0f)) continue;
         if (!choice.found || magnitude < choice.offset) {
             choice.found = true;
             choice.offset = magnitude;

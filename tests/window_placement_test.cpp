@@ -44,6 +44,9 @@ TEST(WindowPositionsFile, SmallestAbsoluteOffsetWinsAndStrayLinesAreIgnored) {
     // A tie goes to the first key; 180 degrees or more never counts.
     EXPECT_EQ(parseText(twoMonitors("-20", "20")).monitorIndex, 0);
     EXPECT_FALSE(parseText(twoMonitors("180", "-200")).found);
+    // Numbers that are no angle (a fuzzer found "nan" picked with a NaN offset).
+    EXPECT_FALSE(parseText(twoMonitors("nan", "inf")).found);
+    EXPECT_EQ(parseText(twoMonitors("-nan", "12")).monitorIndex, 1);
 
     // Usage with no monitor line before it, and an offset for a key nobody declared.
     const std::string stray =
