@@ -23,9 +23,9 @@ import time
 
 here = os.path.dirname(os.path.abspath(__file__))
 tool = os.path.join(here, "..", "..", "tools", "community-server")
-spec = importlib.util.spec_from_loader("community_server", importlib.machinery.SourceFileLoader("community_server", tool))
-community = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(community)
+loader_entry = importlib.util.spec_from_loader("community_server", importlib.machinery.SourceFileLoader("community_server", tool))
+community = importlib.util.module_from_spec(loader_entry)
+loader_entry.loader.exec_module(community)
 
 folder = None
 FOREVER = 3600
