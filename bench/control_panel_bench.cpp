@@ -1,6 +1,7 @@
 // The Control Panel's cost per frame: the whole draw pass with the panel on Mesa's
 // software renderer (compare BM_EmptyScreenFrame for the screen alone; BM_ControlPanelShare
-// gives the panel's own processor time), and the ImGui
+// gives the panel's share of the process's processor time, BM_ControlPanelOwnFrame its
+// own draw callback until its pixels are made), and the ImGui
 // build of one panel frame without any GL, with and without the UI driver's capture;
 // the panes hold two categories of a dozen cameras and show the advanced options.
 #include <benchmark/benchmark.h>
@@ -85,6 +86,29 @@ void BM_ControlPanelShare(benchmark::State& state) {
 }
 BENCHMARK(BM_ControlPanelShare)->Arg(1)->Arg(0)->ArgName("solid")->Unit(benchmark::kMillisecond)->Iterations(100);
 
+// One Control Panel frame as the panel itself costs it: its draw callback, the ImGui
+// build and the GL drawing, until Mesa has made every pixel (GL is finished before and
+// after it), by the clock and in processor time with the rasterizer threads.
+void BM_ControlPanelOwnFrame(benchmark::State& state) {
+    const std::string root = panelRoot(state.range(0) != 0);
+    void* id = controlPanelWidget()->GetWindowId();
+    xphost::setTimingWindowDraws(true);
+    double wall = 0, cpu = 0;
+    for (auto _ : state) {
+        xphost::drawScreen();
+        state.PauseTiming();
+        for (const xphost::WindowInfo& w : xphost::windows())
+            if (w.id == id) wall += w.lastDrawWallMs, cpu += w.lastDrawCpuMs;
+        state.ResumeTiming();
+    }
+    const double n = static_cast<double>(state.iterations());
+    state.counters["panel_wall_ms"] = wall / n;
+    state.counters["panel_cpu_ms"] = cpu / n;
+    xphost::setTimingWindowDraws(false);
+    finish(root);
+}
+BENCHMARK(BM_ControlPanelOwnFrame)->Arg(1)->Arg(0)->ArgName("solid")->Unit(benchmark::kMillisecond)->Iterations(200);
+
 // One ImGui frame of the panel as its window builds it, without rendering.
 void buildOnce(ControlPanelWidget& panel, bool capture) {
     ImGui::SetCurrentContext(panel.GetContext());
@@ -110,6 +134,11 @@ void BM_ControlPanelImGuiBuild(benchmark::State& state) {
     const std::string root = panelRoot(true);
     ControlPanelWidget* panel = controlPanelWidget();
     for (auto _ : state) buildOnce(*panel, capture);
+    const ImDrawData* data = ImGui::GetDrawData();
+    int commands = 0;
+    for (int i = 0; data && i < data->CmdListsCount; ++i) commands += data->CmdLists[i]->CmdBuffer.Size;
+    state.counters["draw_commands"] = commands;
+    state.counters["vertices"] = data ? data->TotalVtxCount : 0;
     finish(root);
 }
 BENCHMARK(BM_ControlPanelImGuiBuild)->Arg(0)->Arg(1)->ArgName("driver_capture")->Unit(benchmark::kMicrosecond);

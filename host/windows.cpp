@@ -1,10 +1,11 @@
 // Simulator windows of plug-ins: creation with every callback, geometry in global
 // boxels and OS pixels, positioning modes, visibility, layers and z-order, keyboard
-// focus, the title bar of decorated windows, input routing, monitors, and the draw
-// pass that runs the draw callbacks and windows each frame in the Mesa context.
+// focus, the title bar of decorated windows, monitors, and the draw pass that runs
+// the draw callbacks and windows each frame in the Mesa context.
 #include <GL/gl.h>
 
 #include <sys/stat.h>
+#include <time.h>
 
 #include <algorithm>
 #include <climits>
@@ -19,85 +20,25 @@
 #include "host/mouse.h"
 #include "host/scene.h"
 #include "host/title_text.h"
+#include "host/window_state.h"
 #include "host/windows.h"
 
+
 namespace xphost {
+namespace win {
 
-namespace {
-
-struct Window {
-    int plugin = 0;
-    XPLMCreateWindow_t params{};
-    int left = 0, top = 0, right = 0, bottom = 0;
-    int osLeft = 0, osTop = 0, osRight = 0, osBottom = 0;
-    bool visible = false;
-    int decoration = 0;
-    int layer = xplm_WindowLayerFloatingWindows;
-    std::string title;
-    int mode = xplm_WindowPositionFree;
-    int modeMonitor = -1;
-    bool poppedOut = false;
-    bool inVr = false;
-    float gravity[4] = {0, 1, 0, 1};
-    int minWidth = 0, minHeight = 0, maxWidth = INT_MAX, maxHeight = INT_MAX;
-    int vrWidth = 0, vrHeight = 0;
-    uint64_t order = 0;
-    int drawCount = 0;
-    std::vector<uint8_t> popBuffer;
-    std::vector<uint8_t> vrBuffer;  // the panel a VR window shows in the headset
-    std::string titleShown;  // what the title bar showed at the last draw
-};
-
-struct DrawCallback {
-    uint64_t serial = 0;
-    int plugin = 0;
-    XPLMDrawCallback_f callback = nullptr;
-    int phase = 0;
-    int before = 0;
-    void* refcon = nullptr;
-};
-
-enum class Capture { none, client, titleBar, resize };
-
-struct WindowState {
-    std::map<uintptr_t, Window> windows;
-    uintptr_t nextId = 1;
-    uint64_t nextOrder = 1;
-    uint64_t nextSerial = 1;
-    uintptr_t focus = 0;
-    uintptr_t captured = 0;
-    Capture capture = Capture::none;
-    int captureButton = 0;
-    bool screenStale = true;  // frames were skipped since the last real draw
-    bool drawing = true;      // off: callbacks run, nothing is drawn
-    std::vector<uint8_t> blindPixel;
-    int lastDragX = 0, lastDragY = 0;  // title bar drags move by the pointer's steps
-    int resizeFromX = 0, resizeFromY = 0, resizeWidth = 0, resizeHeight = 0;  // a corner drag's start
-    std::vector<MonitorBounds> monitors{MonitorBounds{0, 1080, 1920, 0}};
-    bool fullScreen = true;
-    float scale = 1.0f;
-    std::vector<DrawCallback> drawCallbacks;
-    SimDataRef* modelView = nullptr;
-    SimDataRef* projection = nullptr;
-    SimDataRef* viewport = nullptr;
-    SimDataRef* windowWidth = nullptr;
-    SimDataRef* windowHeight = nullptr;
-};
 
 WindowState& state() {
     static WindowState s;
     return s;
 }
 
-uintptr_t idOf(XPLMWindowID id) { return reinterpret_cast<uintptr_t>(id); }
-XPLMWindowID toId(uintptr_t id) { return reinterpret_cast<XPLMWindowID>(id); }
 
 Window* lookup(XPLMWindowID id) {
     auto it = state().windows.find(idOf(id));
     return it == state().windows.end() ? nullptr : &it->second;
 }
 
-// Unknown ids are a plug-in bug that X-Plane would crash on; here it is logged.
 Window* lookupOrLog(XPLMWindowID id, const char* function) {
     Window* w = lookup(id);
     if (!w) writeLog(std::string("xplm_host: ") + function + " with an unknown window id\n");
@@ -286,13 +227,34 @@ void drawDecoration(Window& w) {
                                  static_cast<float>(textEnd - w.left - 8), state().scale);
 }
 
+double clockMs(clockid_t clock) {
+    timespec t{};
+    clock_gettime(clock, &t);
+    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
 void callWindowDraw(uintptr_t id, const PassMatrices& m) {
     Window* w = lookup(toId(id));
     if (!w || !w->params.drawWindowFunc) return;
     restoreState(m);
     ++w->drawCount;
-    PluginScope scope(w->plugin);
-    w->params.drawWindowFunc(toId(id), w->params.refcon);  // may destroy the window
+    const bool timed = state().timeDraws;
+    double wall0 = 0, cpu0 = 0;
+    if (timed) {
+        glFinish();
+        wall0 = clockMs(CLOCK_MONOTONIC);
+        cpu0 = clockMs(CLOCK_PROCESS_CPUTIME_ID);
+    }
+    {
+        PluginScope scope(w->plugin);
+        w->params.drawWindowFunc(toId(id), w->params.refcon);  // may destroy the window
+    }
+    if (!timed) return;
+    glFinish();
+    if (Window* still = lookup(toId(id))) {
+        still->lastDrawWallMs = clockMs(CLOCK_MONOTONIC) - wall0;
+        still->lastDrawCpuMs = clockMs(CLOCK_PROCESS_CPUTIME_ID) - cpu0;
+    }
 }
 
 void drawPoppedOut(uintptr_t id) {
@@ -343,8 +305,6 @@ void runDrawCallbacks(int phase, int before, const PassMatrices& m) {
     }
 }
 
-bool routeMouse(const MouseEvent& event);
-
 void resetWindows() {
     WindowState& s = state();
     s.windows.clear();
@@ -358,6 +318,7 @@ void resetWindows() {
     s.drawCallbacks.clear();
     s.screenStale = true;
     s.drawing = true;
+    s.timeDraws = false;
     s.modelView = defineFloatArray("sim/graphics/view/modelview_matrix", 16, false);
     s.projection = defineFloatArray("sim/graphics/view/projection_matrix", 16, false);
     s.viewport = defineIntArray("sim/graphics/view/viewport", 4, false);
@@ -431,7 +392,10 @@ void sendClick(uintptr_t id, int button, int status, int x, int y, int& result) 
     result = f(toId(id), x, y, status, w->params.refcon);
 }
 
-}  // namespace
+}  // namespace win
+
+using namespace win;
+
 
 // ---------------------------------------------------------------- control API
 
@@ -487,6 +451,8 @@ std::vector<WindowInfo> windows() {
         info.inVr = w.inVr;
         info.hasFocus = state().focus == id;
         info.drawCount = w.drawCount;
+        info.lastDrawWallMs = w.lastDrawWallMs;
+        info.lastDrawCpuMs = w.lastDrawCpuMs;
         info.titleShown = w.titleShown;
         info.canPopOut = canPopOut(w);
         info.resizable = resizable(w);
@@ -507,6 +473,8 @@ bool findWindow(const std::string& title, WindowInfo& out) {
 void closeWindow(void* id) {
     if (Window* w = lookup(id)) w->visible = false;
 }
+
+void setTimingWindowDraws(bool on) { state().timeDraws = on; }
 
 void setDrawing(bool on) {
     state().drawing = on;
@@ -652,436 +620,4 @@ bool screenshot(const std::string& path, std::string* error) {
     return writePng(path, image.data(), width, height, error);
 }
 
-// ---------------------------------------------------------------- input
-
-namespace {
-
-// Press, drag and release as X-Plane routes them: the press goes to the front-most
-// window under the pointer whose callback takes it (result 1), or through to the one
-// below; drags and the release go to the window that took the press.
-bool routeButton(int button, int status, int x, int y) {
-    WindowState& s = state();
-    if (status != xplm_MouseDown) {
-        if (s.capture == Capture::none || button != s.captureButton) return false;
-        const uintptr_t id = s.captured;
-        const Capture kind = s.capture;
-        if (status == xplm_MouseUp) {
-            s.capture = Capture::none;
-            s.captured = 0;
-        }
-        Window* w = lookup(toId(id));
-        if (!w) return true;
-        if (kind == Capture::resize) {
-            // The top left corner stays; the size follows the pointer within the
-            // window's resizing limits.
-            const int width = std::clamp(s.resizeWidth + (x - s.resizeFromX), std::max(w->minWidth, 40),
-                                         std::max(w->maxWidth, 40));
-            const int height = std::clamp(s.resizeHeight - (y - s.resizeFromY), std::max(w->minHeight, 30),
-                                          std::max(w->maxHeight, 30));
-            w->right = w->left + width;
-            w->bottom = w->top - height;
-            syncOsGeometry(*w);
-            return true;
-        }
-        if (kind == Capture::titleBar) {
-            const int dx = x - s.lastDragX, dy = y - s.lastDragY;
-            s.lastDragX = x;
-            s.lastDragY = y;
-            w->left += dx, w->right += dx, w->top += dy, w->bottom += dy;
-            syncOsGeometry(*w);
-            return true;
-        }
-        int result = 0;
-        sendClick(id, button, status, x, y, result);
-        return true;
-    }
-    const auto order = stacking();
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        Window* w = lookup(toId(*it));
-        if (!w || !onScreen(*w)) continue;
-        if (inResizeCorner(*w, x, y)) {
-            if (w->layer == xplm_WindowLayerFloatingWindows) bringToFront(*w);
-            s.capture = Capture::resize;
-            s.captured = *it;
-            s.captureButton = button;
-            s.resizeFromX = x, s.resizeFromY = y;
-            s.resizeWidth = w->right - w->left, s.resizeHeight = w->top - w->bottom;
-            return true;
-        }
-        if (inTitleBar(*w, x, y)) {
-            if (w->layer == xplm_WindowLayerFloatingWindows) bringToFront(*w);
-            if (inCloseBox(*w, x, y)) {
-                w->visible = false;  // the simulator's close box hides, it doesn't destroy
-                return true;
-            }
-            if (inPopOutBox(*w, x, y)) {
-                w->mode = xplm_WindowPopOut;
-                w->modeMonitor = -1;
-                w->poppedOut = true;
-                syncOsGeometry(*w);
-                return true;
-            }
-            s.capture = Capture::titleBar;
-            s.captured = *it;
-            s.captureButton = button;
-            s.lastDragX = x;
-            s.lastDragY = y;
-            return true;
-        }
-        if (!inClient(*w, x, y)) continue;
-        int result = 0;
-        sendClick(*it, button, status, x, y, result);
-        if (!result) continue;
-        if (Window* still = lookup(toId(*it)); still && still->layer == xplm_WindowLayerFloatingWindows)
-            bringToFront(*still);
-        s.capture = Capture::client;
-        s.captured = *it;
-        s.captureButton = button;
-        return true;
-    }
-    return false;
-}
-
-bool routeWheel(int x, int y, int clicks, int axis) {
-    const auto order = stacking();
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        Window* w = lookup(toId(*it));
-        if (!w || !onScreen(*w) || !inClient(*w, x, y) || !w->params.handleMouseWheelFunc) continue;
-        PluginScope scope(w->plugin);
-        if (w->params.handleMouseWheelFunc(toId(*it), x, y, axis, clicks, w->params.refcon)) return true;
-    }
-    return false;
-}
-
-// Front to back under the pointer: the first window that asks for a cursor decides
-// it; one that answers xplm_CursorDefault (or has no callback) passes the move on to
-// the windows below, and after them to the simulator.
-void routeCursor(int x, int y) {
-    const auto order = stacking();
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        Window* w = lookup(toId(*it));
-        if (!w || !onScreen(*w) || !inClient(*w, x, y) || !w->params.handleCursorFunc) continue;
-        PluginScope scope(w->plugin);
-        if (w->params.handleCursorFunc(toId(*it), x, y, w->params.refcon) != xplm_CursorDefault) return;
-    }
-}
-
-bool routeMouse(const MouseEvent& event) {
-    if (event.kind == MouseEventKind::Wheel) return routeWheel(event.x, event.y, event.clicks, event.wheelAxis);
-    if (event.button == MouseButton::Middle) return false;
-    return routeButton(static_cast<int>(event.button), static_cast<int>(event.kind), event.x, event.y);
-}
-
-struct CursorHook {
-    CursorHook() { addFrameHook(FramePoint::Input, "window cursor", [] { routeCursor(mouseX(), mouseY()); }); }
-} cursorHook;
-
-}  // namespace
-
-void mouseMove(int x, int y) {
-    setMousePosition(x, y);
-    routeCursor(x, y);
-}
-
-void mouseButton(int button, int status, int x, int y) {
-    setMousePosition(x, y);
-    const MouseButton b = button == 1 ? MouseButton::Right : MouseButton::Left;
-    if (status == xplm_MouseDown)
-        pressMouseButton(b);
-    else if (status == xplm_MouseUp)
-        releaseMouseButton(b);
-    else
-        routeButton(button, status, x, y);
-}
-
-void click(int x, int y, int button) {
-    mouseButton(button, xplm_MouseDown, x, y);
-    mouseButton(button, xplm_MouseUp, x, y);
-}
-
-void drag(int x1, int y1, int x2, int y2, int steps, int button) {
-    if (steps < 1) steps = 1;
-    mouseButton(button, xplm_MouseDown, x1, y1);
-    // The mouse module sends the held button's drag event at every frame.
-    for (int i = 1; i <= steps; ++i) {
-        mouseMove(x1 + (x2 - x1) * i / steps, y1 + (y2 - y1) * i / steps);
-        runFrames(1);
-    }
-    mouseButton(button, xplm_MouseUp, x2, y2);
-}
-
-void wheel(int x, int y, int clicks, int axis) {
-    setMousePosition(x, y);
-    turnMouseWheel(clicks, axis);
-}
-
-bool sendKeyToFocusedWindow(char keyChar, int flags, int virtualKey) {
-    WindowState& s = state();
-    Window* w = lookup(toId(s.focus));
-    if (!w || !w->params.handleKeyFunc || !pluginActive(w->plugin)) return false;
-    PluginScope scope(w->plugin);
-    w->params.handleKeyFunc(toId(s.focus), keyChar, flags, static_cast<char>(virtualKey), w->params.refcon, 0);
-    return true;
-}
-
 }  // namespace xphost
-
-using namespace xphost;
-
-// ---------------------------------------------------------------- XPLMDisplay
-
-int XPLMRegisterDrawCallback(XPLMDrawCallback_f callback, XPLMDrawingPhase phase, int before, void* refcon) {
-    if (!checkThread("XPLMRegisterDrawCallback") || !callback) return 0;
-    DrawCallback cb;
-    cb.serial = state().nextSerial++;
-    cb.plugin = callingPlugin();
-    cb.callback = callback;
-    cb.phase = phase;
-    cb.before = before;
-    cb.refcon = refcon;
-    state().drawCallbacks.push_back(cb);
-    return 1;
-}
-
-int XPLMUnregisterDrawCallback(XPLMDrawCallback_f callback, XPLMDrawingPhase phase, int before, void* refcon) {
-    if (!checkThread("XPLMUnregisterDrawCallback")) return 0;
-    auto& list = state().drawCallbacks;
-    for (auto it = list.begin(); it != list.end(); ++it)
-        if (it->callback == callback && it->phase == phase && (it->before != 0) == (before != 0) &&
-            it->refcon == refcon && it->plugin == callingPlugin()) {
-            list.erase(it);
-            return 1;
-        }
-    return 0;
-}
-
-void XPLMGetScreenSize(int* width, int* height) {
-    if (!checkThread("XPLMGetScreenSize")) return;
-    const MonitorBounds& main = state().monitors.front();
-    if (width) *width = main.right - main.left;
-    if (height) *height = main.top - main.bottom;
-}
-
-void XPLMGetScreenBoundsGlobal(int* left, int* top, int* right, int* bottom) {
-    if (!checkThread("XPLMGetScreenBoundsGlobal")) return;
-    const MonitorBounds b = screenBounds();
-    if (left) *left = b.left;
-    if (top) *top = b.top;
-    if (right) *right = b.right;
-    if (bottom) *bottom = b.bottom;
-}
-
-void XPLMGetAllMonitorBoundsGlobal(XPLMReceiveMonitorBoundsGlobal_f callback, void* refcon) {
-    if (!checkThread("XPLMGetAllMonitorBoundsGlobal") || !callback || !state().fullScreen) return;
-    const auto list = state().monitors;
-    for (size_t i = 0; i < list.size(); ++i)
-        callback(static_cast<int>(i), list[i].left, list[i].top, list[i].right, list[i].bottom, refcon);
-}
-
-void XPLMGetAllMonitorBoundsOS(XPLMReceiveMonitorBoundsOS_f callback, void* refcon) {
-    if (!checkThread("XPLMGetAllMonitorBoundsOS") || !callback) return;
-    const auto list = state().monitors;
-    for (size_t i = 0; i < list.size(); ++i)
-        callback(static_cast<int>(i), toPixels(list[i].left), toPixels(list[i].top), toPixels(list[i].right),
-                 toPixels(list[i].bottom), refcon);
-}
-
-XPLMWindowID XPLMCreateWindowEx(XPLMCreateWindow_t* params) {
-    if (!checkThread("XPLMCreateWindowEx") || !params) return nullptr;
-    installFont();
-    Window w;
-    // Older plug-ins pass a shorter structure; only what it holds is read.
-    const size_t size = std::min(sizeof(XPLMCreateWindow_t), static_cast<size_t>(params->structSize > 0 ? params->structSize : 0));
-    std::memcpy(&w.params, params, size);
-    w.plugin = callingPlugin();
-    w.left = params->left, w.top = params->top, w.right = params->right, w.bottom = params->bottom;
-    w.visible = params->visible != 0;
-    if (size >= offsetof(XPLMCreateWindow_t, decorateAsFloatingWindow) + sizeof(int))
-        w.decoration = params->decorateAsFloatingWindow;
-    if (size >= offsetof(XPLMCreateWindow_t, layer) + sizeof(int)) w.layer = params->layer;
-    w.order = state().nextOrder++;
-    syncOsGeometry(w);
-    const uintptr_t id = state().nextId++;
-    state().windows[id] = std::move(w);
-    return toId(id);
-}
-
-XPLMWindowID XPLMCreateWindow(int left, int top, int right, int bottom, int visible, XPLMDrawWindow_f draw,
-                              XPLMHandleKey_f keyFunc, XPLMHandleMouseClick_f mouse, void* refcon) {
-    XPLMCreateWindow_t params{};
-    params.structSize = offsetof(XPLMCreateWindow_t, decorateAsFloatingWindow);
-    params.left = left, params.top = top, params.right = right, params.bottom = bottom;
-    params.visible = visible;
-    params.drawWindowFunc = draw;
-    params.handleKeyFunc = keyFunc;
-    params.handleMouseClickFunc = mouse;
-    params.refcon = refcon;
-    return XPLMCreateWindowEx(&params);
-}
-
-void XPLMDestroyWindow(XPLMWindowID id) {
-    if (!checkThread("XPLMDestroyWindow") || !lookupOrLog(id, "XPLMDestroyWindow")) return;
-    WindowState& s = state();
-    if (s.focus == idOf(id)) s.focus = 0;
-    if (s.captured == idOf(id)) {
-        s.captured = 0;
-        s.capture = Capture::none;
-    }
-    s.windows.erase(idOf(id));
-}
-
-void XPLMGetWindowGeometry(XPLMWindowID id, int* left, int* top, int* right, int* bottom) {
-    if (!checkThread("XPLMGetWindowGeometry")) return;
-    Window* w = lookupOrLog(id, "XPLMGetWindowGeometry");
-    if (!w) return;
-    if (left) *left = w->left;
-    if (top) *top = w->top;
-    if (right) *right = w->right;
-    if (bottom) *bottom = w->bottom;
-}
-
-void XPLMSetWindowGeometry(XPLMWindowID id, int left, int top, int right, int bottom) {
-    if (!checkThread("XPLMSetWindowGeometry")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowGeometry");
-    if (!w) return;
-    w->left = left, w->top = top, w->right = right, w->bottom = bottom;
-    if (!w->poppedOut) syncOsGeometry(*w);
-}
-
-void XPLMGetWindowGeometryOS(XPLMWindowID id, int* left, int* top, int* right, int* bottom) {
-    if (!checkThread("XPLMGetWindowGeometryOS")) return;
-    Window* w = lookupOrLog(id, "XPLMGetWindowGeometryOS");
-    if (!w) return;
-    if (left) *left = w->osLeft;
-    if (top) *top = w->osTop;
-    if (right) *right = w->osRight;
-    if (bottom) *bottom = w->osBottom;
-}
-
-void XPLMSetWindowGeometryOS(XPLMWindowID id, int left, int top, int right, int bottom) {
-    if (!checkThread("XPLMSetWindowGeometryOS")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowGeometryOS");
-    if (!w) return;
-    w->osLeft = left, w->osTop = top, w->osRight = right, w->osBottom = bottom;
-    // The simulator keeps the boxel geometry in step with the OS window.
-    w->left = toBoxels(left), w->top = toBoxels(top), w->right = toBoxels(right), w->bottom = toBoxels(bottom);
-}
-
-void XPLMGetWindowGeometryVR(XPLMWindowID id, int* width, int* height) {
-    if (!checkThread("XPLMGetWindowGeometryVR")) return;
-    Window* w = lookupOrLog(id, "XPLMGetWindowGeometryVR");
-    if (!w) return;
-    if (width) *width = w->inVr ? w->vrWidth : 0;
-    if (height) *height = w->inVr ? w->vrHeight : 0;
-}
-
-void XPLMSetWindowGeometryVR(XPLMWindowID id, int width, int height) {
-    if (!checkThread("XPLMSetWindowGeometryVR")) return;
-    if (Window* w = lookupOrLog(id, "XPLMSetWindowGeometryVR")) w->vrWidth = width, w->vrHeight = height;
-}
-
-int XPLMGetWindowIsVisible(XPLMWindowID id) {
-    if (!checkThread("XPLMGetWindowIsVisible")) return 0;
-    Window* w = lookupOrLog(id, "XPLMGetWindowIsVisible");
-    return w && w->visible ? 1 : 0;
-}
-
-void XPLMSetWindowIsVisible(XPLMWindowID id, int visible) {
-    if (!checkThread("XPLMSetWindowIsVisible")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowIsVisible");
-    if (!w) return;
-    if (visible && !w->visible && w->layer == xplm_WindowLayerFloatingWindows) bringToFront(*w);
-    w->visible = visible != 0;
-}
-
-int XPLMWindowIsPoppedOut(XPLMWindowID id) {
-    if (!checkThread("XPLMWindowIsPoppedOut")) return 0;
-    Window* w = lookupOrLog(id, "XPLMWindowIsPoppedOut");
-    return w && w->poppedOut ? 1 : 0;
-}
-
-int XPLMWindowIsInVR(XPLMWindowID id) {
-    if (!checkThread("XPLMWindowIsInVR")) return 0;
-    Window* w = lookupOrLog(id, "XPLMWindowIsInVR");
-    return w && w->inVr ? 1 : 0;
-}
-
-void XPLMSetWindowGravity(XPLMWindowID id, float left, float top, float right, float bottom) {
-    if (!checkThread("XPLMSetWindowGravity")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowGravity");
-    if (!w) return;
-    w->gravity[0] = left, w->gravity[1] = top, w->gravity[2] = right, w->gravity[3] = bottom;
-}
-
-void XPLMSetWindowResizingLimits(XPLMWindowID id, int minWidth, int minHeight, int maxWidth, int maxHeight) {
-    if (!checkThread("XPLMSetWindowResizingLimits")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowResizingLimits");
-    if (!w) return;
-    w->minWidth = minWidth, w->minHeight = minHeight, w->maxWidth = maxWidth, w->maxHeight = maxHeight;
-}
-
-void XPLMSetWindowPositioningMode(XPLMWindowID id, XPLMWindowPositioningMode mode, int monitorIndex) {
-    if (!checkThread("XPLMSetWindowPositioningMode")) return;
-    Window* w = lookupOrLog(id, "XPLMSetWindowPositioningMode");
-    if (!w) return;
-    const SimDataRef* vrRef = simDataRef("sim/graphics/VR/enabled");
-    const bool vr = vrRef && vrRef->i != 0;
-    if (mode == xplm_WindowVR && !vr) return;  // X-Plane ignores VR placement outside VR
-    w->mode = mode;
-    w->modeMonitor = monitorIndex;
-    w->inVr = mode == xplm_WindowVR;
-    const bool wasPoppedOut = w->poppedOut;
-    w->poppedOut = mode == xplm_WindowPopOut;
-    if (w->poppedOut && !wasPoppedOut) syncOsGeometry(*w);
-    if (w->inVr && w->vrWidth == 0) w->vrWidth = w->right - w->left, w->vrHeight = w->top - w->bottom;
-    applyMode(*w);
-}
-
-void XPLMSetWindowTitle(XPLMWindowID id, const char* title) {
-    if (!checkThread("XPLMSetWindowTitle")) return;
-    if (Window* w = lookupOrLog(id, "XPLMSetWindowTitle")) w->title = title ? title : "";
-}
-
-void* XPLMGetWindowRefCon(XPLMWindowID id) {
-    if (!checkThread("XPLMGetWindowRefCon")) return nullptr;
-    Window* w = lookupOrLog(id, "XPLMGetWindowRefCon");
-    return w ? w->params.refcon : nullptr;
-}
-
-void XPLMSetWindowRefCon(XPLMWindowID id, void* refcon) {
-    if (!checkThread("XPLMSetWindowRefCon")) return;
-    if (Window* w = lookupOrLog(id, "XPLMSetWindowRefCon")) w->params.refcon = refcon;
-}
-
-void XPLMTakeKeyboardFocus(XPLMWindowID id) {
-    if (!checkThread("XPLMTakeKeyboardFocus")) return;
-    WindowState& s = state();
-    if (id && !lookupOrLog(id, "XPLMTakeKeyboardFocus")) return;
-    const uintptr_t previous = s.focus;
-    if (previous == idOf(id)) return;
-    s.focus = idOf(id);
-    // The window that loses the keyboard hears of it through its key callback.
-    if (Window* old = lookup(toId(previous)); old && old->params.handleKeyFunc && pluginActive(old->plugin)) {
-        PluginScope scope(old->plugin);
-        old->params.handleKeyFunc(toId(previous), 0, 0, 0, old->params.refcon, 1);
-    }
-}
-
-int XPLMHasKeyboardFocus(XPLMWindowID id) {
-    if (!checkThread("XPLMHasKeyboardFocus")) return 0;
-    return state().focus == idOf(id) ? 1 : 0;
-}
-
-void XPLMBringWindowToFront(XPLMWindowID id) {
-    if (!checkThread("XPLMBringWindowToFront")) return;
-    if (Window* w = lookupOrLog(id, "XPLMBringWindowToFront")) bringToFront(*w);
-}
-
-int XPLMIsWindowInFront(XPLMWindowID id) {
-    if (!checkThread("XPLMIsWindowInFront")) return 0;
-    Window* w = lookupOrLog(id, "XPLMIsWindowInFront");
-    if (!w) return 0;
-    for (auto& [other, o] : state().windows)
-        if (other != idOf(id) && o.layer == w->layer && o.visible && o.order > w->order) return 0;
-    return 1;
-}

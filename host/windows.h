@@ -43,6 +43,10 @@ struct WindowInfo {
     std::string titleShown;  // the text its title bar showed at the last draw
     bool canPopOut = false;  // its title bar has the pop-out box
     bool resizable = false;  // the simulator resizes it by its bottom right corner
+    // Its last draw callback until GL had finished what it drew, by the clock and in
+    // processor time of the process (Mesa's rasterizer threads included); only while
+    // draws are timed.
+    double lastDrawWallMs = 0, lastDrawCpuMs = 0;
 };
 // Back to front, as drawn.
 std::vector<WindowInfo> windows();
@@ -82,6 +86,10 @@ void setDrawing(bool on);
 bool drawing();
 // Draws one frame now (the frame loop does this at its draw point).
 void drawScreen();
+// On: GL finishes before and after each window's draw callback, so that the window's
+// own cost (its build and the pixels it made) is timed apart from the rest of the
+// frame. For benchmarks; off after reset.
+void setTimingWindowDraws(bool on);
 // RGBA of one pixel of the last drawn screen, framebuffer pixels with y up.
 uint32_t screenPixel(int x, int y);
 // The whole screen, RGBA, rows from the top; width and height in pixels.
