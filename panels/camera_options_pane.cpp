@@ -224,8 +224,12 @@ void originCell(Camera& c) {
     if (c.external && !c.freeCamera) {
         const char* items[] = {"Aircraft", "Carrier", "Frigate"};
         ImGui::SetNextItemWidth(kComboWidth);
-        // The start position is written only when the choice changes.
-        if (labelledCombo("Camera Origin", &c.cameraOrigin, items, 3) && c.cameraOrigin != 0) {
+        // The start position is written only when the choice changes: ImGui reports a
+        // pick of the item already chosen as a change too, and that would throw away a
+        // ship camera the user had placed.
+        const int before = c.cameraOrigin;
+        if (labelledCombo("Camera Origin", &c.cameraOrigin, items, 3) && c.cameraOrigin != before &&
+            c.cameraOrigin != 0) {
             c.x = c.y = 100.0f;
             c.z = 0.0f;
             c.heading = 270.0f;

@@ -387,6 +387,13 @@ TEST_F(ControlPanelPanesTest, EachOptionRuleActsOnlyOnTheUsersChange) {
     click("Aircraft");
     EXPECT_EQ(currentCamera()->cameraOrigin, 0);
     EXPECT_EQ(currentCamera()->x, 3.0f);
+    // Picking the ship already chosen keeps a camera the user had placed at it.
+    currentCamera()->cameraOrigin = 1;
+    runFrames(1);
+    click("Camera Origin");
+    click("Carrier");
+    EXPECT_EQ(currentCamera()->cameraOrigin, 1);
+    EXPECT_EQ(currentCamera()->x, 3.0f);
     settings().ENABLE_FORCE_FOV = false;
     currentCamera()->enableFov = true;
     runFrames(1);
