@@ -49,6 +49,11 @@ void destroyMessageBoxQueue() {
     flightLoopId = nullptr;
 }
 
+void forgetMessageBoxQueue() {
+    dropQueuedMessageBoxes();
+    flightLoopId = nullptr;
+}
+
 void speakQueuedAnnouncements() {
     std::string text;
     while (takeAnnouncement(text)) XPLMSpeakString(text.c_str());

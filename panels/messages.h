@@ -9,6 +9,11 @@
 // (host disable). Never call it from inside a box's own callback.
 void destroyMessageBoxQueue();
 
+// At start: forgets the waiting requests and the queue's flight loop of an earlier life
+// of the plug-in in this process, which went with it (the host destroys what a stopped
+// plug-in left), so that the first box of the new life schedules its delivery again.
+void forgetMessageBoxQueue();
+
 // Hands every queued announcement to XPLMSpeakString, oldest first.
 void speakQueuedAnnouncements();
 

@@ -3,9 +3,11 @@
 // simulator, which would take the whole flight down with it.
 #include <cstdio>
 #include <exception>
+#include <string>
 
 #include "data/aircraft_files.h"
 #include "inputs/effects.h"
+#include "panels/messages.h"
 #include "platform/network.h"
 #include "shell/host_interface.h"
 #include "shell/lifecycle.h"
@@ -37,8 +39,12 @@ PLUGIN_API int XPluginStart(char* outName, char* outSignature, char* outDescript
         monotonicMilliseconds();
         // Asked afresh at every start (the folder, the HeadShake look-up): a plug-in started
         // again in one process, as the host's in-process tests do, may stand elsewhere.
+        // Nor does a message of its earlier life wait in front of the new one's.
         overridePluginDirectory(nullptr);
         forgetHeadShake();
+        forgetMessageBoxQueue();
+        for (std::string spoken; takeAnnouncement(spoken);) {
+        }
         int error = startNetwork();
         if (error != 0) logMessage("Network failed to start: %d\n", error);
         pluginStart();
