@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/host_internal.h"
+#include "host/traffic.h"
 #include "host/world.h"
 
 namespace xphost {
@@ -75,6 +76,7 @@ constexpr Colour darkField{0.30f, 0.45f, 0.23f};
 constexpr Colour lightWater{0.22f, 0.38f, 0.58f};
 constexpr Colour darkWater{0.18f, 0.33f, 0.52f};
 constexpr Colour paint{aircraftPaint[0], aircraftPaint[1], aircraftPaint[2]};
+constexpr Colour trafficPaint{0.92f, 0.92f, 0.96f};
 constexpr Colour instrumentPanel{0.16f, 0.16f, 0.18f};
 constexpr Colour hull{0.52f, 0.54f, 0.58f};
 constexpr Colour superstructure{0.78f, 0.79f, 0.80f};
@@ -143,8 +145,7 @@ void loft(const Pass& pass, const Section* sections, int count, const Rotation& 
 
 // A single-engine high-wing aircraft about 8.8 m long and 11 m across, around its
 // reference point; the pilot's head sits in the cabin below the wing, behind the panel.
-void drawAircraft(const Pass& pass) {
-    const AircraftState a = aircraft();
+void drawAircraft(const Pass& pass, const AircraftState& a, Colour livery) {
     const Rotation turn = attitude(a.psi, a.theta, a.phi);
     const Vec at{a.x, a.y, a.z};
     static const Section fuselage[] = {
@@ -156,10 +157,10 @@ void drawAircraft(const Pass& pass) {
     static const Section panel[] = {{-1.1, 0.58, 0.30, 0.85}, {-0.8, 0.58, 0.30, 0.85}};
     static const Section tailplane[] = {{4.6, 1.75, 0.30, 0.38}, {5.5, 1.75, 0.30, 0.38}};
     static const Section fin[] = {{4.2, 0.06, 0.30, 0.62}, {5.5, 0.06, 0.30, 1.95}};
-    loft(pass, fuselage, 5, turn, at, paint);
-    loft(pass, wing, 2, turn, at, paint);
-    loft(pass, tailplane, 2, turn, at, paint);
-    loft(pass, fin, 2, turn, at, paint);
+    loft(pass, fuselage, 5, turn, at, livery);
+    loft(pass, wing, 2, turn, at, livery);
+    loft(pass, tailplane, 2, turn, at, livery);
+    loft(pass, fin, 2, turn, at, livery);
     loft(pass, panel, 2, turn, at, instrumentPanel);
 }
 
@@ -332,7 +333,8 @@ void drawScene(int width, int height) {
     drawTerrain(pass);
     glBegin(GL_QUADS);
     drawBoats(pass);
-    drawAircraft(pass);
+    drawAircraft(pass, aircraft(), paint);
+    for (const TrafficAircraft& other : trafficAircraft()) drawAircraft(pass, other.state, trafficPaint);
     glEnd();
 
     // The window pass never tests against the world's depth.

@@ -1,5 +1,6 @@
 // The world as the simulator's camera sees it, drawn on the screen under the windows:
-// sky and horizon, the terrain around the camera, the user's aircraft and the boats.
+// sky and horizon, the terrain around the camera, the user's aircraft, the
+// traffic (painted white) and the boats.
 // Fixed-function OpenGL in the screen's context, drawn only when the screen is.
 #pragma once
 

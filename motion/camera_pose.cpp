@@ -7,6 +7,7 @@
 #include "XPLMScenery.h"
 #include "data/angles.h"
 #include "inputs/effects.h"
+#include "motion/ai_traffic.h"
 #include "motion/camera_inputs.h"
 #include "motion/frame_driver.h"
 
@@ -57,6 +58,14 @@ void aimDifference(const CameraPose& pose, const Camera* camera, const AimPoint*
         dx = pose.x - aim->x;
         dy = pose.y - aim->y;
         dz = pose.z - aim->z;
+        return;
+    }
+    // Following another aircraft: the reference is that plane.
+    AimPoint plane;
+    if (aiAimPoint(camera, plane)) {
+        dx = pose.x - plane.x;
+        dy = pose.y - plane.y;
+        dz = pose.z - plane.z;
         return;
     }
     if (camera->cameraOrigin != 0) {
@@ -223,8 +232,10 @@ void freeCameraPose(Camera* camera, CameraPose& out, CameraPose p) {
 }
 
 // Keeps an outside camera at its height over the terrain: at least a metre for a
-// circle view, exactly `aglHeight` for an AGL camera.
-void applyGroundRule(Camera* camera, CameraPose& p, const Origin& o) {
+// circle view, exactly `aglHeight` for an AGL camera. `scale` is the AI perspective's
+// factor already in the pose: the stored height stays in the camera's own, unscaled
+// measure.
+void applyGroundRule(Camera* camera, CameraPose& p, const Origin& o, float scale) {
     double wx, wy, wz;
     placeInOrigin(o, {p.x, p.y, p.z}, wx, wy, wz);
     double ground;
@@ -235,7 +246,7 @@ void applyGroundRule(Camera* camera, CameraPose& p, const Origin& o) {
     } else {
         p.y = static_cast<float>(p.y + (camera->aglHeight - above));
     }
-    camera->y = p.y;
+    camera->y = p.y / scale;
 }
 
 }  // namespace
@@ -247,12 +258,21 @@ void externalPose(Camera* camera, CameraPose& out, const CameraPose& in) {
         return;
     }
 
+    // Hung on another aircraft: the plane takes the place of the origin and the offset
+    // grows or shrinks by the chosen scale.
     Origin o = originOf(camera);
+    const bool onAiPlane = aiPerspectiveOrigin(camera, o);
+    const float scale = onAiPlane ? aiPlaneSelection().scale : 1.0f;
+    if (onAiPlane) {
+        p.x *= scale;
+        p.y *= scale;
+        p.z *= scale;
+    }
     if (camera->levelCamera) {
         o.pitch = 0.0f;
         o.roll = 0.0f;
     }
-    if (camera->aglCamera || camera->circleView) applyGroundRule(camera, p, o);
+    if (camera->aglCamera || camera->circleView) applyGroundRule(camera, p, o, scale);
     applyScriptOffsets(camera, p);
 
     AimPoint cg{p.cgX, p.cgY, p.cgZ};

@@ -7,7 +7,9 @@
 #include "XPLMUtilities.h"
 #include "data/camera_set.h"
 #include "data/settings.h"
+#include "motion/ai_traffic.h"
 #include "motion/frame_driver.h"
+#include "panels/labelled_items.h"
 #include "panels/msg_box_widget.h"
 #include "data/plugin_state.h"
 #include "platform/runtime.h"
@@ -332,6 +334,43 @@ void MiniControlPanelWidget::BuildActionRow() {
     if (camera->external && !camera->freeCamera) {
         ImGui::SameLine();
         if (ImGui::Button("Toggle Target Following")) sendCommand("Toggle_Target_Following_Camera");
+    }
+    if (camera->external) BuildAiControls();
+}
+
+void MiniControlPanelWidget::BuildAiControls() {
+    const AiPlaneSelection& selection = aiPlaneSelection();
+    const int32_t planes = aiPlaneCount();
+    if (!selection.perspectiveOn) {
+        if (planes < 1) return;
+        ImGui::SameLine();
+        if (ImGui::Button("AI Perspective On")) sendCommand("Toggle_AI_Perspective");
+        return;
+    }
+    ImGui::SameLine();
+    if (ImGui::Button("AI Perspective Off")) sendCommand("Toggle_AI_Perspective");
+    if (planes > 1) {
+        ImGui::SameLine();
+        if (labelledArrow("Previous AI Plane", ImGuiDir_Left)) sendCommand("Select_Previous_Distant_AI_Plane");
+        ImGui::SameLine();
+        if (labelledArrow("Next AI Plane", ImGuiDir_Right)) {
+            trafficList();
+            sendCommand("Select_Next_Distant_AI_Plane");
+        }
+    }
+    // Copied at once: the distance reads planes again and overwrites the callsign.
+    char callsign[16];
+    std::snprintf(callsign, sizeof callsign, "%s", aiPlaneCallsign(selection.index));
+    const float distance = aiPlaneDistance(selection.index);
+    ImGui::SameLine();
+    ImGui::Text("%s [%.1f NM]", callsign[0] ? callsign : "Unknown", distance);
+    if (selection.scale > kAiScaleMin) {
+        ImGui::SameLine();
+        if (labelledArrow("Scale Down", ImGuiDir_Down)) sendCommand("AI_Scale_Down");
+    }
+    if (selection.scale < kAiScaleMax) {
+        ImGui::SameLine();
+        if (labelledArrow("Scale Up", ImGuiDir_Up)) sendCommand("AI_Scale_Up");
     }
 }
 

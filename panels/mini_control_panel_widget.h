@@ -28,6 +28,7 @@ public:
 private:
     void BuildMenuBar();
     void BuildActionRow();
+    void BuildAiControls();
     void BuildFavouritesRow();
     void BuildCategoryRow();
     void BuildCameraRow();

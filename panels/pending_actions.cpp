@@ -11,8 +11,6 @@ bool targetInformation = true;
 }  // namespace
 
 void openSaveTargetPanel() { notYet("Saving a target"); }
-void toggleTrafficDisplay() { notYet("The Traffic Display"); }
-void destroyTrafficDisplay() {}
 void openCalibrateViewAxisPanel() { notYet("View axis calibration"); }
 
 // A modal popup that only says so, with a button to close it.
@@ -31,11 +29,3 @@ void selectNearestTarget() { notYet("Target selection"); }
 void selectNextTarget() { notYet("Target selection"); }
 void selectPreviousTarget() { notYet("Target selection"); }
 void selectFreeTarget() { notYet("The Free Target"); }
-
-void toggleAiPerspective() { notYet("The AI perspective"); }
-void selectNextAiPlane() { notYet("The AI perspective"); }
-void selectPreviousAiPlane() { notYet("The AI perspective"); }
-void selectNextDistantAiPlane() { notYet("The AI perspective"); }
-void selectPreviousDistantAiPlane() { notYet("The AI perspective"); }
-void aiScaleUp() { notYet("The AI perspective"); }
-void aiScaleDown() { notYet("The AI perspective"); }

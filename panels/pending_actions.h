@@ -6,9 +6,6 @@
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
 void openSaveTargetPanel();
-void toggleTrafficDisplay();
-// Destroys the Traffic Display if it exists.
-void destroyTrafficDisplay();
 void openCalibrateViewAxisPanel();
 
 // Control Panel popups whose features come with their own units; each draws its modal
@@ -23,12 +20,3 @@ void selectNearestTarget();
 void selectNextTarget();
 void selectPreviousTarget();
 void selectFreeTarget();
-
-// Other aircraft.
-void toggleAiPerspective();
-void selectNextAiPlane();
-void selectPreviousAiPlane();
-void selectNextDistantAiPlane();
-void selectPreviousDistantAiPlane();
-void aiScaleUp();
-void aiScaleDown();

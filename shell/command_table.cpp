@@ -8,6 +8,7 @@
 #include "data/camera_file.h"
 #include "data/set_editing.h"
 #include "data/settings.h"
+#include "motion/ai_traffic.h"
 #include "motion/frame_driver.h"
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
@@ -16,6 +17,7 @@
 #include "panels/mini_control_panel_widget.h"
 #include "panels/pending_actions.h"
 #include "panels/settings_widget.h"
+#include "panels/traffic_display_widget.h"
 #include "shell/host_interface.h"
 
 namespace {
@@ -302,6 +304,9 @@ int32_t commandRowIndex(const char* name) {
 void createCommands() {
     if (handlersRegistered) return;
     handlerState = CommandHandlerState{};
+    // The AI offset scale starts afresh with every registration; the rest of the
+    // selection lives as long as the plug-in.
+    aiPlaneSelection().scale = 1.0f;
     for (int32_t row = 0; row < kCommandRowCount; ++row) {
         rows[row].handle = XPLMCreateCommand(rows[row].name, rows[row].description);
         if (rows[row].handle != nullptr) XPLMRegisterCommandHandler(rows[row].handle, commandHandler, 0, refconOf(row));

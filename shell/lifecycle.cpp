@@ -11,6 +11,7 @@
 #include "inputs/axis_input.h"
 #include "inputs/effects.h"
 #include "inputs/trackir.h"
+#include "motion/ai_traffic.h"
 #include "motion/frame_driver.h"
 #include "motion/mouse_look.h"
 #include "motion/transitions.h"
@@ -106,6 +107,7 @@ void hostEnable() {
     publishIntegrationDatarefs();
 
     initFrameDriver();
+    initAiTraffic();
     setNearestAirportSelector(selectNearestAirportCamera);
     createCommands();
 

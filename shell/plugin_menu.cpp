@@ -12,6 +12,7 @@
 #include "panels/updater_widget.h"
 #include "shell/host_interface.h"
 #include "panels/pending_actions.h"
+#include "panels/traffic_display_widget.h"
 
 namespace {
 
