@@ -1,6 +1,7 @@
 #include "host/outside_plugins.h"
 
 #include "XPLMDataAccess.h"
+#include "XPLMUtilities.h"
 #include "host/host_internal.h"
 
 namespace xphost {
@@ -23,6 +24,8 @@ struct OutsidePlugins {
     int xpRealisticPlugin = -1;
     int pilotViewPlugin = -1;
     float xpRealisticOffsets[6] = {};
+    int scenicFlyerPlugin = -1;
+    ScenicFlyerPanel scenicFlyer;
 };
 
 OutsidePlugins state;
@@ -37,6 +40,16 @@ void writeXpRealistic() {
     if (XPLMDataRef present = XPLMFindDataRef("KVT/Vistarig/integration/XPRealistic_present")) XPLMSetDatai(present, 1);
     for (int i = 0; i < 6; ++i)
         if (XPLMDataRef ref = XPLMFindDataRef(kXpRealisticOffsets[i])) XPLMSetDataf(ref, state.xpRealisticOffsets[i]);
+}
+
+// Scenic Flyer's own handling of its commands: the panel changes as the key goes down.
+int scenicFlyerCommand(XPLMCommandRef, XPLMCommandPhase phase, void* refcon) {
+    if (phase != xplm_CommandBegin) return 1;
+    ScenicFlyerPanel& panel = state.scenicFlyer;
+    if (refcon == nullptr) panel.shown = !panel.shown;
+    else panel.glass = !panel.glass;
+    panel.commands += 1;
+    return 1;
 }
 
 HostModule outsidePluginsModule("outside_plugins", resetOutsidePlugins);
@@ -70,6 +83,22 @@ void installPilotView() {
     if (state.pilotViewPlugin < 0)
         state.pilotViewPlugin = addStandInPlugin("PilotView", "acmetools.projects.pilotview", "PilotView", nullptr);
 }
+
+void installScenicFlyer() {
+    ensureInitialized();
+    if (state.scenicFlyerPlugin >= 0) return;
+    state.scenicFlyerPlugin =
+        addStandInPlugin("Scenic Flyer", "digital.avionics.scenic.flyer", "Scenic Flyer panels", nullptr);
+    state.scenicFlyer = ScenicFlyerPanel();
+    state.scenicFlyer.installed = true;
+    PluginScope scope(state.scenicFlyerPlugin);
+    XPLMCommandRef forceOn = XPLMCreateCommand("Scenic-Flyer/scenic_force_on", "Show or hide the Scenic Flyer panel");
+    XPLMCommandRef select = XPLMCreateCommand("Scenic-Flyer/scenic_select", "Switch the panel between GA and glass");
+    XPLMRegisterCommandHandler(forceOn, scenicFlyerCommand, 0, nullptr);
+    XPLMRegisterCommandHandler(select, scenicFlyerCommand, 0, reinterpret_cast<void*>(1));
+}
+
+ScenicFlyerPanel scenicFlyerPanel() { return state.scenicFlyer; }
 
 void installXpRealistic() {
     ensureInitialized();

@@ -52,18 +52,6 @@ float readFloatElement(XPLMDataRef ref, int index) {
     return 0.0f;
 }
 
-float centreSetting(int32_t axis) {
-    const Settings& s = settings();
-    switch (axis) {
-        case kAxisViewHeading: return s.VIEW_AXIS_HEADING_CENTER;
-        case kAxisViewPitch: return s.VIEW_AXIS_PITCH_CENTER;
-        case kAxisViewZoom: return s.VIEW_AXIS_ZOOM_CENTER;
-        case kAxisCameraLeftRight: return s.VIEW_AXIS_CAMERA_LR_CENTER;
-        case kAxisCameraUpDown: return s.VIEW_AXIS_CAMERA_UD_CENTER;
-        default: return s.VIEW_AXIS_CAMERA_FB_CENTER;
-    }
-}
-
 bool usesMappedPath(int32_t axis) { return axis < kAxisCameraLeftRight || simulatorVersion() >= kMappedCameraAxesVersion; }
 
 void scanMappedAxis(int32_t axis) {
@@ -80,6 +68,18 @@ void scanMappedAxis(int32_t axis) {
 }  // namespace
 
 AxisInput& axisInput() { return input; }
+
+float& axisCentreSetting(int32_t axis) {
+    Settings& s = settings();
+    switch (axis) {
+        case kAxisViewHeading: return s.VIEW_AXIS_HEADING_CENTER;
+        case kAxisViewPitch: return s.VIEW_AXIS_PITCH_CENTER;
+        case kAxisViewZoom: return s.VIEW_AXIS_ZOOM_CENTER;
+        case kAxisCameraLeftRight: return s.VIEW_AXIS_CAMERA_LR_CENTER;
+        case kAxisCameraUpDown: return s.VIEW_AXIS_CAMERA_UD_CENTER;
+        default: return s.VIEW_AXIS_CAMERA_FB_CENTER;
+    }
+}
 
 const char* axisLabel(int32_t axis) {
     static const char* const labels[kAxisCount] = {"View Heading",        "View Pitch",       "View Zoom",
@@ -160,7 +160,7 @@ bool readAxis(int32_t axis, float& value) {
 
     float v;
     if (usesMappedPath(a)) {
-        v = mappedAxisValue(a, readFloatElement(refs.mappedValue, record.arrayIndex), centreSetting(a));
+        v = mappedAxisValue(a, readFloatElement(refs.mappedValue, record.arrayIndex), axisCentreSetting(a));
     } else {
         const float reading = readFloatElement(refs.values, record.arrayIndex);
         if (!record.moved) {
@@ -168,7 +168,7 @@ bool readAxis(int32_t axis, float& value) {
             record.moved = true;
         }
         record.reverse = readIntElement(refs.reverse, record.arrayIndex);
-        v = (reading - 0.5f) * 2.0f - centreSetting(a);
+        v = (reading - 0.5f) * 2.0f - axisCentreSetting(a);
     }
     v = applyNullZone(a, v, settings().VIEW_AXIS_NULL_ZONE);
     v = average(input.filters[a], settings().VIEW_AXIS_SMOOTHING_FACTOR, v);

@@ -42,6 +42,8 @@ struct AxisInput {
 };
 
 AxisInput& axisInput();
+// The centre setting of an axis in the live settings record (0 to 5).
+float& axisCentreSetting(int32_t axis);
 
 // The panel's label of an axis ("View Heading", ...).
 const char* axisLabel(int32_t axis);

@@ -12,6 +12,7 @@
 #include "data/plugin_state.h"
 #include "data/settings.h"
 #include "inputs/axis_input.h"
+#include "inputs/scenic_flyer.h"
 #include "motion/camera_inputs.h"
 #include "motion/camera_pose.h"
 #include "motion/mouse_look.h"
@@ -273,6 +274,9 @@ void runFrame() {
     // 8. Frame rate.
     float period = getf(gRefs.frameRatePeriod);
     average(d.frameRateFilter, 100, period > 0.0f ? 1.0f / period : 30.0f);
+
+    // 9. Scenic Flyer's panel follows the camera.
+    scenicFlyerStep(current, false);
 
     // 10. Cinema verite follows the camera every frame.
     seti(gRefs.cinemaVerite, current->cinemaVerite ? 1 : 0);

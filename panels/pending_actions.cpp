@@ -11,7 +11,6 @@ bool targetInformation = true;
 }  // namespace
 
 void openSaveTargetPanel() { notYet("Saving a target"); }
-void openCalibrateViewAxisPanel() { notYet("View axis calibration"); }
 
 // A modal popup that only says so, with a button to close it.
 static void placeholderPopup(const char* name) {

@@ -6,7 +6,6 @@
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
 void openSaveTargetPanel();
-void openCalibrateViewAxisPanel();
 
 // Control Panel popups whose features come with their own units; each draws its modal
 // popup by name (a stand-in form until then).

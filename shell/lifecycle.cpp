@@ -10,11 +10,13 @@
 #include "data/targets.h"
 #include "inputs/axis_input.h"
 #include "inputs/effects.h"
+#include "inputs/scenic_flyer.h"
 #include "inputs/trackir.h"
 #include "motion/ai_traffic.h"
 #include "motion/frame_driver.h"
 #include "motion/mouse_look.h"
 #include "motion/transitions.h"
+#include "panels/calibrate_view_axis_widget.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "panels/mini_control_panel_widget.h"
@@ -62,6 +64,7 @@ void planeLoaded() {
         return;
     }
     resetCameraMotionAxisAssignment();
+    findScenicFlyer();
     if (gState.cameraEnabled) disableCamera(true);
     lookUpAirportPositionsOnce();
     // The last aircraft's edits that were never saved are kept before its set goes.
@@ -87,6 +90,7 @@ bool vrEnabled() { return gVrEnabled && XPLMGetDatai(gVrEnabled) != 0; }
 
 void pluginStart() {
     gState = PluginState();
+    forgetScenicFlyer();
     clearReplacingRefusals();
     clearWorkingSet();
 }
@@ -125,6 +129,9 @@ void hostDisable() {
     if (gState.cameraEnabled) disableCamera(false);
     autosaveUnsavedEdits();
     removeMenu();
+    destroyCalibrateViewAxisPanel();
+    // Its command handlers go with the host level; the next aircraft looks again.
+    forgetScenicFlyer();
     ControlPanelAction(4);
     destroyUpdater();
     MiniControlPanelAction(4);
@@ -182,6 +189,7 @@ void enableCamera() {
     }
     if (gState.cameraEnabled) return;
     resetCameraMotionAxisAssignment();
+    scenicFlyerStep(nullptr, true);
     XPLMDataRef fov = viewDatarefs().fieldOfView;
     installInterceptors();
     gState.defaultFov = fov ? XPLMGetDataf(fov) : 60.0f;
@@ -200,6 +208,7 @@ void enableCamera() {
 
 void disableCamera(bool keepHead) {
     if (!gState.cameraEnabled) return;
+    scenicFlyerStep(nullptr, true);
     FrameDriver& driver = frameDriver();
     ViewDatarefs& refs = viewDatarefs();
     integrationValues().vistarigEnabled = 0;

@@ -5,6 +5,7 @@
 #include "data/targets.h"
 #include "inputs/effects.h"
 #include "motion/frame_driver.h"
+#include "panels/calibrate_view_axis_widget.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "panels/mini_control_panel_widget.h"

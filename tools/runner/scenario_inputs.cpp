@@ -1,5 +1,5 @@
 // Scenario verbs for the inputs that reach the plug-in through the simulator: joystick
-// axes (mapped and raw) and the outside plug-ins HeadShake and XP-Realistic.
+// axes (mapped and raw) and the outside plug-ins HeadShake, Scenic Flyer and XP-Realistic.
 #include <string>
 #include <vector>
 
@@ -88,6 +88,41 @@ xphost::ScenarioVerbRegistration xpRealistic(
         xphost::installXpRealistic();
         xphost::setXpRealisticOffsets(static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2]),
                                       static_cast<float>(v[3]), static_cast<float>(v[4]), static_cast<float>(v[5]));
+        return std::string();
+    });
+
+std::string describe(const xphost::ScenicFlyerPanel& panel) {
+    const char* type = panel.glass ? "glass" : "ga";
+    return std::string("Scenic Flyer: panel ") + (panel.shown ? type : "none") + " (type " + type + "), " +
+           std::to_string(panel.commands) + " commands";
+}
+
+xphost::ScenarioVerbRegistration scenicFlyer(
+    "scenic_flyer", "scenic_flyer: installs Scenic Flyer (its two commands and its panel), or prints its panel",
+    [](xphost::ScenarioLine& line) {
+        if (line.args.size() != 1) return std::string("usage: scenic_flyer");
+        xphost::installScenicFlyer();
+        *line.out << describe(xphost::scenicFlyerPanel()) << "\n";
+        return std::string();
+    });
+
+xphost::ScenarioVerbRegistration expectScenicFlyer(
+    "expect_scenic_flyer",
+    "expect_scenic_flyer none|ga|glass [COMMANDS]: fails unless Scenic Flyer shows this panel (and acted on COMMANDS "
+    "commands in all)",
+    [](xphost::ScenarioLine& line) {
+        if (line.args.size() < 2 || line.args.size() > 3) return std::string("usage: expect_scenic_flyer none|ga|glass [COMMANDS]");
+        const xphost::ScenicFlyerPanel panel = xphost::scenicFlyerPanel();
+        if (!panel.installed) return std::string("Scenic Flyer is not installed");
+        const std::string& want = line.args[1];
+        if (want != "none" && want != "ga" && want != "glass") return "not a panel: " + want;
+        const std::string shows = !panel.shown ? "none" : panel.glass ? "glass" : "ga";
+        if (shows != want) return describe(panel);
+        if (line.args.size() == 3) {
+            double count;
+            if (!xphost::parseNumber(line.args[2], count)) return "not a number: " + line.args[2];
+            if (static_cast<int>(count) != panel.commands) return describe(panel);
+        }
         return std::string();
     });
 
