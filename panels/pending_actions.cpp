@@ -7,10 +7,8 @@
 
 namespace {
 void notYet(const char* what) { logMessage("%s is not available in this build", what); }
-bool targetInformation = true;
 }  // namespace
 
-void openSaveTargetPanel() { notYet("Saving a target"); }
 void openCalibrateViewAxisPanel() { notYet("View axis calibration"); }
 
 // A modal popup that only says so, with a button to close it.
@@ -22,10 +20,3 @@ static void placeholderPopup(const char* name) {
     ImGui::EndPopup();
 }
 
-bool& showTargetInformation() { return targetInformation; }
-void rebuildNearTargets() {}
-void sortNearTargets() {}
-void selectNearestTarget() { notYet("Target selection"); }
-void selectNextTarget() { notYet("Target selection"); }
-void selectPreviousTarget() { notYet("Target selection"); }
-void selectFreeTarget() { notYet("The Free Target"); }

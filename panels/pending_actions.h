@@ -5,18 +5,8 @@
 #pragma once
 
 // Panels. Each takes its operation number and answers whether the panel is visible.
-void openSaveTargetPanel();
 void openCalibrateViewAxisPanel();
 
 // Control Panel popups whose features come with their own units; each draws its modal
 // popup by name (a stand-in form until then).
 
-// Targets. `showTargetInformation` is the run-time switch of the target overlay.
-bool& showTargetInformation();
-// The targets near the aircraft, found again and sorted by distance.
-void rebuildNearTargets();
-void sortNearTargets();
-void selectNearestTarget();
-void selectNextTarget();
-void selectPreviousTarget();
-void selectFreeTarget();
