@@ -401,14 +401,15 @@ void aimAtCurrentTarget(Camera* camera, CameraPose& out) {
             aimPitchAt(out, &aim);
         }
         out.roll = 0.0f;
-        // The simulator gets the pitch folded: a level aim is 0, not 360.
-        out.pitch = foldAngle(out.pitch);
-        t->pitchTo = out.pitch;
+        t->pitchTo = foldAngle(out.pitch);
         t->headingTo = out.heading;
     }
     // Inputs and offsets act on the aimed result, also without a target.
     applyCameraInputs(camera, out);
     applyScriptOffsets(camera, out);
+    // The simulator gets the pitch folded, as from every other outside camera: a level
+    // aim is 0, not 360.
+    out.pitch = foldAngle(out.pitch);
 }
 
 void saveCameraAsTarget(const char* name) {
@@ -433,8 +434,15 @@ void saveCameraAsTarget(const char* name) {
     XPLMLocalToWorld(x, y, z, &latitude, &longitude, &elevation);
     addTarget(name, nullptr, latitude, longitude, elevation, 0);
     writeTargets();
+    // The selection stays with its target, not with its place in the list: the new
+    // target moved the others along, and the camera turned to another one.
+    Target* selected = gNear.selectedTarget >= 0 && gNear.selectedTarget < gNear.nearCount
+                           ? gNear.entries[gNear.selectedTarget]
+                           : nullptr;
     rebuildNearTargets();
     sortNearTargets();
+    for (int i = 0; selected && i < gNear.nearCount; ++i)
+        if (gNear.entries[i] == selected) gNear.selectedTarget = i;
 }
 
 bool aimingCrossWanted() {

@@ -297,6 +297,7 @@ TEST_F(TargetPanelsTest, SaveTargetComplainsOfAnEmptyNameKeepsTheNameAndMakesIts
     EXPECT_NEAR(ridge->latitude, freeTarget().latitude, 1e-7);
     EXPECT_NEAR(ridge->longitude, freeTarget().longitude, 1e-7);
     EXPECT_NEAR(ridge->elevation, freeTarget().elevation, 0.01);
+    EXPECT_TRUE(freeTargetSelected()) << "the selection stays with its target as the list is sorted again";
 
     // Opened again, the panel shows what was typed and said before.
     std::string error;
