@@ -86,7 +86,8 @@ protected:
                   "Category Name,Camera Name,View ID,X,Y,Z,heading,pitch,TrackIR Enabled,Smooth Transition\n" +
                       cameraRow({{1, "Seat"}}) +
                       cameraRow({{0, "Outside"}, {1, "Tracker"}, {3, "40"}, {4, "10"}, {5, "60"}, {33, "TRUE"}, {53, "TRUE"}}) +
-                      cameraRow({{0, "Outside"}, {1, "Chase"}, {4, "3"}, {5, "20"}, {33, "TRUE"}}));
+                      cameraRow({{0, "Outside"}, {1, "Chase"}, {4, "3"}, {5, "20"}, {33, "TRUE"}}) +
+                      cameraRow({{0, "Outside"}, {1, "Deck"}, {4, "30"}, {33, "TRUE"}, {53, "TRUE"}, {68, "1"}}));
         xphost::setMousePosition(kCentreX, kCentreY);
         planeLoaded();
         runFrames(2);
@@ -142,8 +143,22 @@ TEST_F(TargetPanelsTest, CommandsJumpToTheTrackingCameraAndTheMenuRereadsTheFile
     runFrames(2);
     EXPECT_EQ(xphost::drawCallbackCount(), 0);
 
-    // A target added to the file by hand comes in with "Refresh Targets"; the selection stays.
+    // A camera on the carrier: the list is built again for it, nearest first.
     currentCamera()->targetFollowing = true;
+    command("KVT/Vistarig/Select_Next_Target");
+    command("KVT/Vistarig/Previous_Camera");  // round to "Deck"
+    runFrames(2);
+    ASSERT_STREQ(currentCamera()->name, "Deck");
+    EXPECT_EQ(nearTargets().selectedTarget, 0);
+    bool carrier = false, aircraft = false;
+    for (int i = 0; i < nearTargets().nearCount; ++i) {
+        carrier |= nearTargets().entries[i] == &carrierTarget();
+        aircraft |= nearTargets().entries[i] == &aircraftTarget();
+    }
+    EXPECT_FALSE(carrier);
+    EXPECT_TRUE(aircraft);
+
+    // A target added to the file by hand comes in with "Refresh Targets"; the selection stays.
     command("KVT/Vistarig/Select_Next_Target");
     const int selected = nearTargets().selectedTarget;
     writeFile("Resources/plugins/Vistarig/MyTargets/MyTargets.csv",
