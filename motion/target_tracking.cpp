@@ -16,6 +16,7 @@
 #include "data/plugin_state.h"
 #include "data/settings.h"
 #include "data/user_messages.h"
+#include "motion/ai_traffic.h"
 #include "motion/camera_inputs.h"
 #include "motion/camera_pose.h"
 #include "motion/mouse_look.h"
@@ -37,7 +38,6 @@ Refs gRefs;
 NearTargets gNear;
 bool gShowTargetInformation = true;
 bool gAimPaused = false;
-bool (*gFollowedPlane)(double& x, double& y, double& z) = nullptr;
 
 Target gFree, gAircraft, gCarrier, gFrigate;
 
@@ -106,12 +106,11 @@ void centrePoint(double& latitude, double& longitude) {
     }
 }
 
-// What distances are measured from: the centre, or a followed AI plane.
+// What distances are measured from: the centre, or the plane the AI perspective follows.
 void referencePoint(double& latitude, double& longitude) {
     centrePoint(latitude, longitude);
     double x, y, z, elevation;
-    if (gFollowedPlane && !currentCamera()->freeCamera && gFollowedPlane(x, y, z))
-        XPLMLocalToWorld(x, y, z, &latitude, &longitude, &elevation);
+    if (aiTargetReferencePoint(x, y, z)) XPLMLocalToWorld(x, y, z, &latitude, &longitude, &elevation);
 }
 
 // Distance from a reference point; a target standing on it is 0 without the arc cosine.
@@ -168,8 +167,6 @@ Target& carrierTarget() { return gCarrier; }
 Target& frigateTarget() { return gFrigate; }
 
 bool& showTargetInformation() { return gShowTargetInformation; }
-
-void setFollowedPlanePosition(bool (*position)(double& x, double& y, double& z)) { gFollowedPlane = position; }
 
 void initTargetTracking() {
     gRefs = Refs();

@@ -89,7 +89,3 @@ void saveCameraAsTarget(const char* name);
 // Target with the right button.
 bool aimingCrossWanted();
 void drawAimingCross();
-
-// The reference point of an AI plane that the camera follows, handed in by the layer
-// that knows the traffic: true with its local position while one is followed.
-void setFollowedPlanePosition(bool (*position)(double& x, double& y, double& z));
