@@ -61,6 +61,15 @@ struct FileScan {
     std::atomic<int> count{0};
     std::atomic<bool> cancel{false};
     std::atomic<bool> running{false};
+    // A worker still running when its owner goes is stopped and waited for, never left
+    // to end the process.
+    FileScan() = default;
+    FileScan(const FileScan&) = delete;
+    FileScan& operator=(const FileScan&) = delete;
+    ~FileScan() {
+        cancel.store(true);
+        if (worker.joinable()) worker.join();
+    }
 };
 // Waits for an earlier worker, then scans `root` and applies `filter` on a new one.
 // False, with nothing running, when no thread could be started.

@@ -4,10 +4,9 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <vector>
 
-#include "XPLMDataAccess.h"
-#include "XPLMGraphics.h"
 #include "data/aircraft_files.h"
 #include "data/kept_copies.h"
 #include "data/text_io.h"
@@ -239,6 +238,10 @@ std::string formatTargets() {
 bool writeTargets() {
     std::string path = targetsPath();
     std::string why;
+    // The folder is made when it is missing: a fresh install has none, and its first
+    // saved target would otherwise fail to be written.
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
     if (replacingForbidden(path.c_str()) || !replaceFileAtomically(path.c_str(), formatTargets(), &why)) {
         std::string text = "Unable to write target file: " + path;
         logMessage("%s", text.c_str());
@@ -248,28 +251,3 @@ bool writeTargets() {
     }
     return true;
 }
-
-void saveCameraAsTarget(const char* name) {
-    Camera* camera = currentCamera();
-    double x, y, z;
-    if (camera->freeCamera) {
-        x = camera->x;
-        y = camera->y;
-        z = camera->z;
-    } else {
-        auto value = [](const char* dataref) {
-            XPLMDataRef ref = XPLMFindDataRef(dataref);
-            return ref ? XPLMGetDatad(ref) : 0.0;
-        };
-        x = value("sim/flightmodel/position/local_x");
-        y = value("sim/flightmodel/position/local_y");
-        z = value("sim/flightmodel/position/local_z");
-    }
-    double latitude = 0, longitude = 0, elevation = 0;
-    XPLMLocalToWorld(x, y, z, &latitude, &longitude, &elevation);
-    addTarget(name, nullptr, latitude, longitude, elevation, 0);
-    writeTargets();
-}
-
-bool freeTargetSelected() { return false; }
-void endFreeTargetAim(Camera*) {}

@@ -40,8 +40,6 @@ bool writeTargets();
 // values in its place in the list. Returns the target that holds them.
 Target* addTarget(const char* name, const char* date, double latitude, double longitude, double elevation,
                   int32_t kind);
-// A target at the position of the current camera (or the aircraft); written at once.
-void saveCameraAsTarget(const char* name);
 // Frees every target.
 void clearTargets();
 
@@ -52,11 +50,3 @@ void readTargetsText(const char* text, size_t size, ReadLosses* losses = nullptr
 void readTargetsFrom(std::FILE* stream, ReadLosses* losses = nullptr);
 // The file's text for the grid.
 std::string formatTargets();
-
-// The Free Target's aiming, which mouse look ends; stand-ins until the target panels
-// come (the selection is never the Free Target yet).
-struct Camera;
-// The selected target is the Free Target (aimed by mouse look).
-bool freeTargetSelected();
-// End of a mouse-look aim at the Free Target: place it where the camera looks.
-void endFreeTargetAim(Camera* camera);

@@ -83,6 +83,15 @@ constexpr Colour superstructure{0.78f, 0.79f, 0.80f};
 
 Vec sunDirection() { return normalized({0.35, 0.8, 0.45}); }
 
+struct Marker {
+    double latitude, longitude, elevation;
+};
+std::vector<Marker>& markers() {
+    static std::vector<Marker> list;
+    return list;
+}
+HostModule gSceneModule("scene", [] { markers().clear(); }, nullptr);
+
 // Everything in one pass is sent relative to the camera.
 struct Pass {
     Vec eye;
@@ -236,6 +245,25 @@ void drawTerrain(const Pass& pass) {
     glEnd();
 }
 
+// Each marker a cube about a hundredth of its distance across (at least 2 m), in flat
+// colour so that its pixels can be told from everything else.
+void drawMarkers(const Pass& pass) {
+    glColor3f(markerPaint[0], markerPaint[1], markerPaint[2]);
+    glBegin(GL_QUADS);
+    for (const Marker& m : markers()) {
+        Vec c;
+        worldToLocal(m.latitude, m.longitude, m.elevation, c.x, c.y, c.z);
+        const double half = std::max(1.0, std::sqrt(dot(c - pass.eye, c - pass.eye)) * 0.005);
+        static const int faces[6][4][3] = {
+            {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}}, {{-1, -1, 1}, {1, -1, 1}, {1, 1, 1}, {-1, 1, 1}},
+            {{-1, -1, -1}, {-1, 1, -1}, {-1, 1, 1}, {-1, -1, 1}}, {{1, -1, -1}, {1, 1, -1}, {1, 1, 1}, {1, -1, 1}},
+            {{-1, -1, -1}, {1, -1, -1}, {1, -1, 1}, {-1, -1, 1}}, {{-1, 1, -1}, {1, 1, -1}, {1, 1, 1}, {-1, 1, 1}}};
+        for (const auto& f : faces)
+            for (const auto& v : f) vertex(pass, c + Vec{v[0] * half, v[1] * half, v[2] * half});
+    }
+    glEnd();
+}
+
 // Sky and ground at infinity, drawn with the camera's rotation only and no depth: a
 // band from the pale horizon up into the zenith's blue (the clear colour above it),
 // then the distant ground, whose edge dips below level by the earth's curve as seen
@@ -271,6 +299,12 @@ void drawBackdrop(double heightAboveSea) {
 }
 
 }  // namespace
+
+void addMarker(double latitude, double longitude, double elevation) {
+    markers().push_back({latitude, longitude, elevation});
+}
+
+void clearMarkers() { markers().clear(); }
 
 void drawScene(int width, int height) {
     if (width <= 0 || height <= 0) return;
@@ -336,6 +370,10 @@ void drawScene(int width, int height) {
     drawAircraft(pass, aircraft(), paint);
     for (const TrafficAircraft& other : trafficAircraft()) drawAircraft(pass, other.state, trafficPaint);
     glEnd();
+    // Over everything: a marker shows where it is even behind a hill.
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_DEPTH_TEST);
+    drawMarkers(pass);
 
     // The window pass never tests against the world's depth.
     glClear(GL_DEPTH_BUFFER_BIT);

@@ -14,4 +14,11 @@ void drawScene(int width, int height);
 // The user's aircraft is painted in this colour (RGB), so a test can find it.
 constexpr float aircraftPaint[3] = {1.0f, 0.30f, 0.05f};
 
+// Markers: small bright magenta cubes at world positions, drawn over everything else
+// and sized to about a hundredth of their distance, so a picture shows where a camera
+// aims. Cleared at reset.
+constexpr float markerPaint[3] = {1.0f, 0.0f, 1.0f};
+void addMarker(double latitude, double longitude, double elevation);
+void clearMarkers();
+
 }  // namespace xphost

@@ -1,7 +1,9 @@
 // Writing the screen to a PNG file (libpng), for the runner's screenshot step and
 // for looking at what the plug-in drew.
 #include <cstdio>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "host/windows.h"
 
@@ -44,6 +46,32 @@ bool writePng(const std::string& path, const uint8_t* rgba, int width, int heigh
         if (error) *error = "cannot write " + path;
         return false;
     }
+    return true;
+#else
+    if (error) *error = "built without libpng";
+    return false;
+#endif
+}
+
+bool readPng(const std::string& path, std::vector<uint8_t>& rgbaTopDown, int& width, int& height,
+             std::string* error) {
+#ifdef HOST_HAVE_PNG
+    png_image image;
+    std::memset(&image, 0, sizeof image);
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, path.c_str())) {
+        if (error) *error = "cannot read " + path + ": " + image.message;
+        return false;
+    }
+    image.format = PNG_FORMAT_RGBA;
+    rgbaTopDown.assign(PNG_IMAGE_SIZE(image), 0);
+    if (!png_image_finish_read(&image, nullptr, rgbaTopDown.data(), 0, nullptr)) {
+        if (error) *error = "cannot decode " + path + ": " + image.message;
+        png_image_free(&image);
+        return false;
+    }
+    width = static_cast<int>(image.width);
+    height = static_cast<int>(image.height);
     return true;
 #else
     if (error) *error = "built without libpng";

@@ -111,5 +111,8 @@ bool makeScreenCurrent();
 bool makeBufferCurrent(std::vector<uint8_t>& buffer, int width, int height);
 const uint8_t* screenBuffer(int& width, int& height);  // rows from the bottom
 bool writePng(const std::string& path, const uint8_t* rgbaTopDown, int width, int height, std::string* error);
+// A PNG as RGBA rows from the top (tests read back the pictures a run wrote).
+bool readPng(const std::string& path, std::vector<uint8_t>& rgbaTopDown, int& width, int& height,
+             std::string* error = nullptr);
 
 }  // namespace xphost

@@ -10,6 +10,7 @@
 #include "motion/ai_traffic.h"
 #include "motion/camera_inputs.h"
 #include "motion/frame_driver.h"
+#include "motion/target_tracking.h"
 
 namespace {
 
@@ -322,8 +323,5 @@ void externalPose(Camera* camera, CameraPose& out, const CameraPose& in) {
     out.zoom = p.zoom;
 
     if (!camera->targetFollowing) return;
-    // Without a target yet the camera keeps the pose above; inputs and offsets then
-    // act a second time, as they would on an aimed pose.
-    applyCameraInputs(camera, out);
-    applyScriptOffsets(camera, out);
+    aimAtCurrentTarget(camera, out);
 }

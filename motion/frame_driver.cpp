@@ -17,6 +17,7 @@
 #include "motion/camera_pose.h"
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
+#include "motion/target_tracking.h"
 #include "motion/transitions.h"
 #include "platform/runtime.h"
 
@@ -115,6 +116,7 @@ ViewDatarefs& viewDatarefs() { return gRefs; }
 
 void initFrameDriver() {
     initCameraPose();
+    initTargetTracking();
     gRefs = ViewDatarefs();
     gRefs.headX = find("sim/graphics/view/pilots_head_x");
     gRefs.headY = find("sim/graphics/view/pilots_head_y");
@@ -252,6 +254,10 @@ void runFrame() {
         releaseCameraControl();
         return;
     }
+
+    // 3. The near targets depend on the object the camera hangs on.
+    if (d.lastFrameCamera && d.lastFrameCamera != current && d.lastFrameCamera->cameraOrigin != current->cameraOrigin)
+        selectNearestTarget();
 
     // 4. View reconciliation.
     if (!reconcileView(current)) return;
@@ -436,7 +442,14 @@ int zoomOnceCallback(XPLMCameraPosition_t* position, int losingControl, void* re
     return 1;
 }
 
-int aimingCrossDrawCallback(XPLMDrawingPhase phase, int isBefore, void* refcon) { return 1; }
+int aimingCrossDrawCallback(XPLMDrawingPhase, int, void*) {
+    try {
+        if (aimingCrossWanted()) drawAimingCross();
+    } catch (...) {
+        logMessage("The aiming cross failed");
+    }
+    return 1;
+}
 
 void registerAimingCross() {
     if (gDriver.drawCallbackRegistered) return;

@@ -10,10 +10,10 @@
 #include "data/angles.h"
 #include "data/plugin_state.h"
 #include "data/settings.h"
-#include "data/targets.h"
 #include "motion/camera_pose.h"
 #include "motion/frame_driver.h"
 #include "motion/movement.h"
+#include "motion/target_tracking.h"
 #include "motion/transitions.h"
 #include "platform/middle_button.h"
 
@@ -238,10 +238,7 @@ void updateMouseLook(CameraPose& pose, Camera* camera) {
         prime(state.lookFilterX, smoothing(), 0.0f);
         prime(state.lookFilterY, smoothing(), 0.0f);
         // Aiming the Free Target holds the simulation still while the user aims.
-        if (settings().PAUSE_ON_FREE_TARGET_AIM && freeTargetAim(camera)) {
-            XPLMCommandRef pause = XPLMFindCommand("sim/operation/pause_toggle");
-            if (pause != nullptr) XPLMCommandOnce(pause);
-        }
+        if (freeTargetAim(camera)) beginFreeTargetAim();
     }
     if (active) {
         state.mouseLookActive = true;
@@ -252,7 +249,7 @@ void updateMouseLook(CameraPose& pose, Camera* camera) {
         return;
     }
     if (state.mouseLookActive) {
-        if (freeTargetAim(camera)) endFreeTargetAim(camera);
+        endFreeTargetAim(camera, freeTargetAim(camera));
         float dh = static_cast<float>(state.lookOffsetX) * state.degreesPerPixelX;
         float dp = static_cast<float>(state.lookOffsetY) * state.degreesPerPixelY;
         if (!transitionRunning() && camera->retainMouseLook) {

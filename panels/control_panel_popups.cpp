@@ -10,7 +10,6 @@
 #include "panels/camera_lists_pane.h"
 #include "panels/community_popups.h"
 #include "panels/control_panel_widget.h"
-#include "panels/pending_actions.h"
 
 namespace {
 

@@ -18,7 +18,6 @@
 #include "panels/file_dialog.h"
 #include "panels/movement_pane.h"
 #include "panels/msg_box_widget.h"
-#include "panels/pending_actions.h"
 #include "platform/runtime.h"
 
 namespace {

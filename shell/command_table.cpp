@@ -12,11 +12,12 @@
 #include "motion/frame_driver.h"
 #include "motion/mouse_look.h"
 #include "motion/movement.h"
+#include "motion/target_tracking.h"
 #include "motion/transitions.h"
 #include "panels/control_panel_widget.h"
 #include "panels/mini_control_panel_widget.h"
-#include "panels/pending_actions.h"
 #include "panels/settings_widget.h"
+#include "panels/target_panels.h"
 #include "panels/traffic_display_widget.h"
 #include "shell/host_interface.h"
 

@@ -15,18 +15,19 @@
 #include "motion/ai_traffic.h"
 #include "motion/frame_driver.h"
 #include "motion/mouse_look.h"
+#include "motion/target_tracking.h"
 #include "motion/transitions.h"
 #include "panels/calibrate_view_axis_widget.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "panels/mini_control_panel_widget.h"
 #include "panels/settings_widget.h"
+#include "panels/target_panels.h"
 #include "panels/updater_widget.h"
 #include "shell/command_table.h"
 #include "shell/host_interface.h"
 #include "shell/integration_datarefs.h"
 #include "shell/sim_commands.h"
-#include "panels/pending_actions.h"
 #include "shell/plugin_menu.h"
 
 namespace {
@@ -118,6 +119,7 @@ void hostEnable() {
     readSettings();
     buildMenu();
     readTargets();
+    showTargetInformation() = settings().ENABLE_SHOW_TARGET_INFORMATION;
     buildCameraFileList();
     logMessage("Initialization complete for version %s", versionText());
     if (!gCommunityScanThread) gCommunityScanThread = startCommunityScan();
@@ -137,6 +139,7 @@ void hostDisable() {
     MiniControlPanelAction(4);
     // No window of ours outlives the host level; the next use makes the panel again.
     destroySettingsPanel();
+    destroySaveTargetPanel();
     destroyMessageBoxQueue();
     writeSettingsKeepingPanelPositions();
     destroyInputWindow();
@@ -242,6 +245,7 @@ void disableCamera(bool keepHead) {
     selectCockpitView(true);
     if (XPLMIsCameraBeingControlled(nullptr)) XPLMDontControlCamera();
     unregisterAimingCross();
+    TargetInfoPanelAction(true);
 }
 
 float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void* refcon) {
@@ -256,6 +260,9 @@ float mainFlightLoop(float sinceLastCall, float sinceLastLoop, int counter, void
         gState.lastFrameSeconds = sinceLastCall;
         advanceSimulatorClock(sinceLastCall);
         runFrame();
+        // The info panel is made by the first frame of a target-following camera; it
+        // hides and shows itself from then on.
+        if (currentCamera()->targetFollowing) TargetInfoPanelAction(false);
         MiniControlPanelAction(6);
         ControlPanelAction(7);  // a changed form or font takes effect here
     } catch (...) {

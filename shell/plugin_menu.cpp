@@ -6,13 +6,14 @@
 #include "inputs/effects.h"
 #include "motion/frame_driver.h"
 #include "panels/calibrate_view_axis_widget.h"
+#include "motion/target_tracking.h"
 #include "panels/control_panel_widget.h"
 #include "panels/messages.h"
 #include "panels/mini_control_panel_widget.h"
 #include "panels/settings_widget.h"
+#include "panels/target_panels.h"
 #include "panels/updater_widget.h"
 #include "shell/host_interface.h"
-#include "panels/pending_actions.h"
 #include "panels/traffic_display_widget.h"
 
 namespace {

@@ -206,21 +206,22 @@ TEST_F(FileScanThreadTest, StopsSoonAfterCancelKeepingWhatItReadFiltered) {
                 countWithSeparators(files).c_str(), treeFolderCount(whole), seconds, madeSeconds,
                 static_cast<double>(treeBytes(whole)) / 1e6);
 
-    // Cancelled part way: the worker's flag falls within 100 ms.
+    // Cancelled part way: the worker reads at most the entry it is on after the flag
+    // falls (counted in files, so that a loaded machine doesn't decide the result).
     FileNode part = makeFolderNode(normaliseRootPath(folder.c_str()));
     ASSERT_TRUE(startScan(scan, &part, "file1", nullptr));
     while (scan.count.load() < files / 10 && scan.running.load()) std::this_thread::yield();
     ASSERT_TRUE(scan.running.load()) << "the scan ended before it could be cancelled";
     const auto cancelledAt = std::chrono::steady_clock::now();
     scan.cancel.store(true);
-    while (scan.running.load()) {
-        ASSERT_LT(std::chrono::steady_clock::now() - cancelledAt, std::chrono::milliseconds(100));
+    const int countAtCancel = scan.count.load();
+    while (scan.running.load() && std::chrono::steady_clock::now() - cancelledAt < std::chrono::seconds(10))
         std::this_thread::yield();
-    }
     const double stopMs =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - cancelledAt).count();
     std::printf("cancel stopped the worker in %.2f ms after %d files\n", stopMs, scan.count.load());
     joinScan(scan);
+    EXPECT_LE(scan.count.load(), countAtCancel + 1) << "files read after the cancel";
     const size_t kept = treeFileCount(part);
     EXPECT_EQ(kept, static_cast<size_t>(scan.count.load()));
     EXPECT_LT(kept, static_cast<size_t>(files));

@@ -105,10 +105,15 @@ TEST_F(TargetsTest, MissingFileIsCreatedAndAWrittenGridReadsBackTheSame) {
     ASSERT_TRUE(writeTargets());
     EXPECT_EQ(readFile(targetsFile()), first);
 
-    // Without the folder the write fails loudly and the grid stays.
-    overridePluginDirectory((root + "gone/").c_str());
+    // A missing targets folder is made: a fresh install has none.
+    overridePluginDirectory((root + "fresh/").c_str());
+    EXPECT_TRUE(writeTargets());
+    EXPECT_EQ(readFile(root + "fresh/MyTargets/MyTargets.csv"), first);
+    // Where no folder can be made the write fails loudly and the grid stays.
+    writeFile(root + "plain-file", "x");
+    overridePluginDirectory((root + "plain-file/").c_str());
     EXPECT_FALSE(writeTargets());
-    EXPECT_TRUE(logHas("Unable to write target file: " + root + "gone/MyTargets/MyTargets.csv"));
+    EXPECT_TRUE(logHas("Unable to write target file: " + root + "plain-file/MyTargets/MyTargets.csv"));
     EXPECT_EQ(targetCount(), 3);
 }
 

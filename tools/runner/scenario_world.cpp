@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "host/scene.h"
 #include "host/world.h"
 
 namespace {
@@ -106,6 +107,14 @@ std::string toLocalVerb(ScenarioLine& line) {
     return "";
 }
 
+std::string markerVerb(ScenarioLine& line) {
+    std::vector<double> v;
+    if (line.args.size() != 4 || !numbers(line, 1, 3, v) || v[0] < -90 || v[0] > 90 || v[1] < -180 || v[1] > 180)
+        return "expected: marker LATITUDE LONGITUDE ELEVATION_M";
+    xphost::addMarker(v[0], v[1], v[2]);
+    return "";
+}
+
 xphost::ScenarioVerbRegistration gTerrain(
     "terrain", "terrain default|none|flat Y|plane Y SLOPE_X SLOPE_Z   (the ground probes find)", terrainVerb);
 xphost::ScenarioVerbRegistration gBoat("boat", "boat carrier|frigate X Y Z HEADING [SPEED]", boatVerb);
@@ -116,5 +125,8 @@ xphost::ScenarioVerbRegistration gToWorld("local_to_world", "local_to_world X Y 
                                           toWorldVerb);
 xphost::ScenarioVerbRegistration gToLocal("world_to_local", "world_to_local LATITUDE LONGITUDE ELEVATION   (prints x, y, z)",
                                           toLocalVerb);
+xphost::ScenarioVerbRegistration gMarker("marker",
+                                         "marker LATITUDE LONGITUDE ELEVATION_M   (a bright magenta cube drawn there)",
+                                         markerVerb);
 
 }  // namespace
