@@ -188,25 +188,31 @@ bool AptPass::line(const char* text, size_t length) {
     return true;
 }
 
-// A copy for the caller; the entries beyond the counts are left zero.
-AirportScenery* answer(AptPass& pass) {
+// The wanted airport copied into `out`, only what the counts cover: clearing or copying
+// the whole half megabyte for every answer took most of the apt.dat fuzzer's time.
+bool answer(AptPass& pass, AirportScenery& out) {
     const AirportScenery& a = *pass.work;
-    if (std::strcmp(pass.wanted, a.id) != 0) return nullptr;
-    // Only what the counts cover is filled: clearing the whole half megabyte for every
-    // answer took most of the apt.dat fuzzer's time.
+    if (std::strcmp(pass.wanted, a.id) != 0) return false;
+    out.elevation = a.elevation;
+    std::memcpy(out.id, a.id, sizeof a.id);
+    out.runwayCount = a.runwayCount;
+    out.startCount = a.startCount;
+    out.signCount = a.signCount;
+    out.viewPointCount = a.viewPointCount;
+    out.helipadCount = a.helipadCount;
+    std::memcpy(out.runways, a.runways, sizeof(Runway) * size_t(a.runwayCount));
+    std::memcpy(out.starts, a.starts, sizeof(StartLocation) * size_t(a.startCount));
+    std::memcpy(out.signs, a.signs, sizeof(Sign) * size_t(a.signCount));
+    std::memcpy(out.viewPoints, a.viewPoints, sizeof(ViewPoint) * size_t(a.viewPointCount));
+    std::memcpy(out.helipads, a.helipads, sizeof(Helipad) * size_t(a.helipadCount));
+    return true;
+}
+
+// A copy for the caller to delete, or null.
+AirportScenery* answer(AptPass& pass) {
+    if (std::strcmp(pass.wanted, pass.work->id) != 0) return nullptr;
     AirportScenery* found = new AirportScenery;
-    found->elevation = a.elevation;
-    std::memcpy(found->id, a.id, sizeof a.id);
-    found->runwayCount = a.runwayCount;
-    found->startCount = a.startCount;
-    found->signCount = a.signCount;
-    found->viewPointCount = a.viewPointCount;
-    found->helipadCount = a.helipadCount;
-    std::memcpy(found->runways, a.runways, sizeof(Runway) * size_t(a.runwayCount));
-    std::memcpy(found->starts, a.starts, sizeof(StartLocation) * size_t(a.startCount));
-    std::memcpy(found->signs, a.signs, sizeof(Sign) * size_t(a.signCount));
-    std::memcpy(found->viewPoints, a.viewPoints, sizeof(ViewPoint) * size_t(a.viewPointCount));
-    std::memcpy(found->helipads, a.helipads, sizeof(Helipad) * size_t(a.helipadCount));
+    answer(pass, *found);
     return found;
 }
 
@@ -219,6 +225,19 @@ AirportScenery* freshRecord() {
     std::memset(work.id, 0, sizeof work.id);
     work.runwayCount = work.startCount = work.signCount = work.viewPointCount = work.helipadCount = 0;
     return &work;
+}
+
+AptPass passOverText(const char* text, size_t size, const char* id) {
+    AptPass pass{freshRecord(), id ? id : ""};
+    size_t at = 0;
+    while (at < size) {
+        const char* start = text + at;
+        const char* newline = static_cast<const char*>(std::memchr(start, '\n', size - at));
+        size_t length = newline ? size_t(newline - start) : size - at;
+        if (!pass.line(start, length)) break;
+        at += length + 1;
+    }
+    return pass;
 }
 
 std::string systemPath() {
@@ -259,16 +278,13 @@ void cleanSignText(const char* code, char* out, size_t capacity) {
     out[size] = 0;
 }
 
+bool readAptDatText(const char* text, size_t size, const char* id, AirportScenery& out) {
+    AptPass pass = passOverText(text, size, id);
+    return answer(pass, out);
+}
+
 AirportScenery* readAptDatText(const char* text, size_t size, const char* id) {
-    AptPass pass{freshRecord(), id ? id : ""};
-    size_t at = 0;
-    while (at < size) {
-        const char* start = text + at;
-        const char* newline = static_cast<const char*>(std::memchr(start, '\n', size - at));
-        size_t length = newline ? size_t(newline - start) : size - at;
-        if (!pass.line(start, length)) break;
-        at += length + 1;
-    }
+    AptPass pass = passOverText(text, size, id);
     return answer(pass);
 }
 
