@@ -231,7 +231,9 @@ void parseSettingsText(const char* text, size_t length, Settings& into, ReadLoss
     size_t size;
     while (nextWord(word, size)) {
         const Key* found = nullptr;
-        if (size <= kLongestKey) {
+        if (nextKey < kKeyCount && size == keys[nextKey].length && std::memcmp(word, keys[nextKey].name, size) == 0) {
+            found = &keys[nextKey++];  // the next key as written: already in upper case
+        } else if (size <= kLongestKey) {
             for (size_t k = 0; k < size; ++k) key[k] = char(std::toupper(static_cast<unsigned char>(word[k])));
             key[size] = 0;
             found = findKey(key, size, nextKey);
