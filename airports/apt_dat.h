@@ -67,6 +67,9 @@ AirportScenery* searchPack(const char* folder, const char* id);
 // metadata names `id`, or null.
 AirportScenery* readAptDat(std::FILE* file, const char* id);
 AirportScenery* readAptDatText(const char* text, size_t size, const char* id);
+// The same into a record the caller keeps (only what the counts cover is written):
+// false, and `out` untouched, when the text has no such airport.
+bool readAptDatText(const char* text, size_t size, const char* id, AirportScenery& out);
 
 // A sign's code as a camera name: brace groups become one blank, "_" a blank, runs of
 // white space one character, trimmed at both ends.

@@ -803,6 +803,11 @@ std::string formatCameraSet(const CameraSet& set, const CameraFile& file, bool f
 
 std::string formatCameraFile(const CameraFile& file) { return formatCameraSet(workingSet(), file, false); }
 
+std::string cameraFileText(CameraFile& file) {
+    prepareSetForWriting(file);
+    return formatCameraFile(file);
+}
+
 bool saveCameraFile(bool announceSave, bool backup) {
     CameraFile* file = activeFile();
     if (categoryCount() > 0) refreshHomePose(currentCamera());
@@ -815,9 +820,8 @@ bool saveCameraFile(bool announceSave, bool backup) {
         logMessage("Unable to write camera file");
         return false;
     }
-    prepareSetForWriting(*file);
     std::string why;
-    if (!replaceFileAtomically(file->path, formatCameraFile(*file), &why)) {
+    if (!replaceFileAtomically(file->path, cameraFileText(*file), &why)) {
         logMessage("Unable to write camera file");
         logMessage("%s was left as it was: %s", file->path, why.c_str());
         return false;

@@ -54,5 +54,7 @@ std::string formatCameraFile(const CameraFile& file);
 // The same for any set; `fingerprint` leaves out what changes without the user (the
 // simulator's field of view, the aircraft's name, free cameras' local positions).
 std::string formatCameraSet(const CameraSet& set, const CameraFile& file, bool fingerprint);
+// What a save hands to the atomic file writer: the set made ready for writing, as text.
+std::string cameraFileText(CameraFile& file);
 // The header line, newline included.
 const char* cameraFileHeader();

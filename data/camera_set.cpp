@@ -314,7 +314,10 @@ void setViewId(int32_t id) {
 
 int32_t findOrAddCategory(const char* name, bool create) {
     if (!name) return -1;
-    for (int32_t c = 0; c < kMaxCategories; ++c)
+    // Only the categories in use: an unused slot's empty name matched a row without a
+    // category name, whose camera then went out of sight and was lost on the next save.
+    int32_t used = gWorking.categoryCount < kMaxCategories ? gWorking.categoryCount : kMaxCategories;
+    for (int32_t c = 0; c < used; ++c)
         if (std::strcmp(gWorking.categories[c].name, name) == 0) return c;
     if (!create || gWorking.categoryCount >= kMaxCategories) return -1;
     int32_t index = gWorking.categoryCount++;

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -16,11 +17,12 @@ enum class Kind { real, integer, boolean, position };
 
 struct Key {
     const char* name;
+    size_t length;
     Kind kind;
     size_t offset;
 };
 
-#define KEY(field, kind) {#field, Kind::kind, offsetof(Settings, field)}
+#define KEY(field, kind) {#field, sizeof #field - 1, Kind::kind, offsetof(Settings, field)}
 
 // The order of the lines in the file.
 const Key keys[] = {
@@ -77,11 +79,21 @@ const Key keys[] = {
 Settings current = builtInSettings();
 Settings saved = builtInSettings();
 
-const Key* findKey(const char* upper) {
-    // The first letter first: comparing the whole word with every key was half of a
-    // file's reading.
-    for (const Key& key : keys)
-        if (key.name[0] == upper[0] && std::strcmp(key.name, upper) == 0) return &key;
+constexpr size_t kKeyCount = sizeof keys / sizeof keys[0];
+
+// The key after the one found last is tried first: a file holds them in the order
+// written. Then the length and the first letter before the whole word: comparing the
+// whole word with every key was half of a file's reading.
+const Key* findKey(const char* upper, size_t length, size_t& next) {
+    auto same = [&](const Key& key) {
+        return key.length == length && key.name[0] == upper[0] && std::memcmp(key.name, upper, length) == 0;
+    };
+    if (next < kKeyCount && same(keys[next])) return &keys[next++];
+    for (size_t k = 0; k < kKeyCount; ++k)
+        if (same(keys[k])) {
+            next = k + 1;
+            return &keys[k];
+        }
     return nullptr;
 }
 
@@ -128,7 +140,32 @@ bool applyValue(Settings& into, const Key& key, const char* value) {
     return true;
 }
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
+// The bytes between words: white space (1) and NUL (2). One look-up a byte instead of
+// seven comparisons, which the fuzzing build traces one by one.
+struct Separators {
+    unsigned char of[256];
+    constexpr Separators() : of{} {
+        for (unsigned char c : {' ', '\t', '\n', '\r', '\f', '\v'}) of[c] = 1;
+        of[0] = 2;
+    }
+};
+constexpr Separators kSeparators;
+
+bool isSeparator(char c) { return kSeparators.of[static_cast<unsigned char>(c)] != 0; }
+
+// The end of the word at `p`: eight bytes at a time while none of them is below '!'
+// (every separator is), then byte by byte.
+const char* wordEnd(const char* p, const char* end) {
+    constexpr uint64_t kOnes = 0x0101010101010101u;
+    while (end - p >= 8) {
+        uint64_t chunk;
+        std::memcpy(&chunk, p, sizeof chunk);
+        if (((chunk - kOnes * '!') & ~chunk & kOnes * 0x80) != 0) break;
+        p += 8;
+    }
+    while (p != end && !isSeparator(*p)) ++p;
+    return p;
+}
 
 // Files beyond this are not settings files; the first part is still read.
 constexpr size_t kSettingsReadLimit = 1 << 20;
@@ -172,29 +209,47 @@ std::string settingsPath() {
 
 void parseSettingsText(const char* text, size_t length, Settings& into, ReadLosses* losses) {
     ReadLosses counted;
-    // Pairs of words split at any white space; a key is compared in upper case.
-    size_t i = 0;
-    auto nextWord = [&](std::string& word) {
-        while (i < length && (isBlank(text[i]) || text[i] == 0)) {
-            if (text[i] == 0) ++counted.unreadableBytes;
-            ++i;
+    // Pairs of words split at any white space or NUL; a key is compared in upper case.
+    const char* p = text;
+    const char* const end = text + length;
+    auto nextWord = [&](const char*& word, size_t& size) {
+        while (p != end && isSeparator(*p)) {
+            if (*p == 0) ++counted.unreadableBytes;
+            ++p;
         }
-        if (i >= length) return false;
-        size_t start = i;
-        while (i < length && !isBlank(text[i]) && text[i] != 0) ++i;
-        word.assign(text + start, i - start);
+        if (p == end) return false;
+        word = p;
+        p = wordEnd(p, end);
+        size = size_t(p - word);
         return true;
     };
-    std::string key, value;
-    while (nextWord(key)) {
-        if (!nextWord(value)) {
+    constexpr size_t kLongestKey = 64;  // longer words are no key
+    char key[kLongestKey + 1];
+    std::string value;
+    size_t nextKey = 0;
+    const char* word;
+    size_t size;
+    while (nextWord(word, size)) {
+        const Key* found = nullptr;
+        if (nextKey < kKeyCount && size == keys[nextKey].length && std::memcmp(word, keys[nextKey].name, size) == 0) {
+            found = &keys[nextKey++];  // the next key as written: already in upper case
+        } else if (size <= kLongestKey) {
+            for (size_t k = 0; k < size; ++k) key[k] = char(std::toupper(static_cast<unsigned char>(word[k])));
+            key[size] = 0;
+            found = findKey(key, size, nextKey);
+        }
+        const char* valueWord;
+        size_t valueSize;
+        if (!nextWord(valueWord, valueSize)) {
             ++counted.extraValues;  // a key without its value
             break;
         }
-        for (char& c : key) c = char(std::toupper(static_cast<unsigned char>(c)));
-        const Key* found = key.size() > 64 ? nullptr : findKey(key.c_str());
-        if (!found) ++counted.extraValues;
-        else if (!applyValue(into, *found, value.c_str())) ++counted.badNumbers;
+        if (!found) {
+            ++counted.extraValues;
+            continue;
+        }
+        value.assign(valueWord, valueSize);
+        if (!applyValue(into, *found, value.c_str())) ++counted.badNumbers;
     }
     if (into.SMOOTH_WINDOW < kSmoothWindowFloor) into.SMOOTH_WINDOW = kSmoothWindowFloor;
     if (losses) *losses = counted;
@@ -202,6 +257,7 @@ void parseSettingsText(const char* text, size_t length, Settings& into, ReadLoss
 
 std::string formatSettingsText(const Settings& values) {
     std::string out;
+    out.reserve(2048);  // the whole file, at one allocation
     char number[400];
     for (const Key& key : keys) {
         const char* field = reinterpret_cast<const char*>(&values) + key.offset;

@@ -16,8 +16,21 @@
 
 namespace {
 
+// White space as isspace has it in the C locale, by a look-up: numbers are read by the
+// thousand for every file, and the fuzzing build traces each comparison.
+struct SpaceBytes {
+    bool of[256];
+    constexpr SpaceBytes() : of{} {
+        for (unsigned char c : {' ', '\t', '\r', '\n', '\f', '\v'}) of[c] = true;
+    }
+};
+constexpr SpaceBytes kSpaceBytes;
+
+// One comparison a character: '0'..'9' are the values 0..9 after the subtraction.
+bool isDigit(char c) { return unsigned(c - '0') <= 9; }
+
 const char* skipToNumber(const char* text) {
-    while (*text == ' ' || *text == '\t' || *text == '\r' || *text == '\n' || *text == '\f' || *text == '\v') ++text;
+    while (kSpaceBytes.of[static_cast<unsigned char>(*text)]) ++text;
     if (*text == '+' && text[1] != '-' && text[1] != '+') ++text;
     return text;
 }
@@ -40,12 +53,12 @@ const char* parsePlainDecimal(const char* p, T& out) {
     uint64_t digits = 0;
     int fraction = 0;
     bool any = false;
-    for (; *p >= '0' && *p <= '9'; ++p, any = true) {
+    for (; isDigit(*p); ++p, any = true) {
         if (digits >= kDigitsLimit) return nullptr;
         digits = digits * 10 + uint64_t(*p - '0');
     }
     if (*p == '.') {
-        for (++p; *p >= '0' && *p <= '9'; ++p, any = true, ++fraction) {
+        for (++p; isDigit(*p); ++p, any = true, ++fraction) {
             if (digits >= kDigitsLimit || fraction >= 22) return nullptr;
             digits = digits * 10 + uint64_t(*p - '0');
         }
@@ -155,8 +168,15 @@ int splitCommaLine(char* line, char** tokens, int capacity) {
         while (*p == ',') ++p;
         if (!*p) break;
         char* start = p;
-        while (*p && *p != ',') ++p;
-        if (*p) *p++ = 0;
+        // The token's end by strchr: a loop over its bytes was a tenth of a camera
+        // file's reading under the fuzzer.
+        char* comma = std::strchr(p, ',');
+        if (comma) {
+            *comma = 0;
+            p = comma + 1;
+        } else {
+            p += std::strlen(p);
+        }
         if (count < capacity) tokens[count++] = start;
     }
     return count;

@@ -206,6 +206,19 @@ TEST_F(CameraFileTest, AnyWorkingSetSavesToAFileThatReadsBackTheSameSet) {
     EXPECT_EQ(readFile(perModelPath()), first);
 }
 
+TEST_F(CameraFileTest, ARowWithoutACategoryNameIsKeptAndNamedOnSaving) {
+    // A spreadsheet's export with quoted fields and the category cell left empty.
+    writeFile(perModelPath(), cameraFileHeader() + row("Cockpit", "One") + row("\"\"", "Nameless"));
+    ASSERT_TRUE(loadCameraFile(nullptr));
+    ASSERT_EQ(categoryCount(), 2);
+    EXPECT_STREQ(cam(1, 0).name, "Nameless");
+    ASSERT_TRUE(saveCameraFile(false, false));
+    ASSERT_TRUE(loadCameraFile(nullptr));
+    ASSERT_EQ(categoryCount(), 2);
+    EXPECT_STREQ(cat(1).name, "Category 2");
+    EXPECT_STREQ(cam(1, 0).name, "Nameless");
+}
+
 TEST_F(CameraFileTest, LimitsSkipTheirRowsAndAShortRowEndsTheLoad) {
     std::string file = cameraFileHeader();
     for (int c = 1; c <= 21; ++c) file += row("Cat " + std::to_string(c), "Only");
