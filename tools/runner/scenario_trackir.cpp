@@ -1,7 +1,7 @@
 // The scenario verb `trackir`: a head tracker for scenarios. It installs the TrackIR
 // stand-in (the test double built as NPClient64.so) where the plug-in looks for the
 // client library, and queues frames of raw tracker values for it to serve.
-#include <dlfcn.h>
+#include "host/portable.h"
 #include <sys/stat.h>
 
 #include <cstdint>
