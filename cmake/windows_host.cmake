@@ -30,3 +30,17 @@ add_library(trackir_double SHARED ${CMAKE_SOURCE_DIR}/tests/support/trackir_doub
 set_target_properties(trackir_double PROPERTIES PREFIX "" OUTPUT_NAME NPClient64
   RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 target_link_options(trackir_double PRIVATE -Wl,--export-all-symbols -Wl,--exclude-libs,${WIN_RUNTIME_LIBS})
+
+# The Windows code paths' tests, run under Wine (tools/test-windows.sh), with GoogleTest
+# compiled from the sources Debian's libgtest-dev ships.
+set(WIN_GTEST_SOURCE_DIR /usr/src/googletest/googletest CACHE PATH "GoogleTest sources")
+if(EXISTS ${WIN_GTEST_SOURCE_DIR}/CMakeLists.txt)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  add_subdirectory(${WIN_GTEST_SOURCE_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  target_compile_options(gtest PRIVATE -w)
+  target_compile_options(gtest_main PRIVATE -w)
+  add_executable(vistarig_windows_tests ${CMAKE_SOURCE_DIR}/tests/windows/windows_platform_test.cpp)
+  target_link_libraries(vistarig_windows_tests PRIVATE vistarig_core xplm_host gtest_main)
+  set_target_properties(vistarig_windows_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  add_dependencies(vistarig_windows_tests trackir_double)
+endif()

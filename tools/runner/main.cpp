@@ -175,6 +175,10 @@ int main(int argc, char** argv) {
     xphost::setRoot(root);
     xphost::setUserAircraft(defaultAircraftPath);
     xphost::setLogUnknownDataRefs(options.debug);
+#ifdef _WIN32
+    // The Windows stand-in has no renderer: every run goes as with --no-draw.
+    options.draw = false;
+#endif
     xphost::setDrawing(options.draw);
     for (int i = 0; i < defaultTreeFileCount; ++i)
         if (std::strstr(defaultTreeFiles[i].path, "/Vistarig_") != nullptr) learnCameraNames(defaultTreeFiles[i].content);
