@@ -21,7 +21,7 @@ add_executable(vistarig-sim ${WIN_RUNNER_SOURCES})
 target_link_libraries(vistarig-sim PRIVATE xplm_host ${FREETYPE_LIBRARIES} psapi)
 target_include_directories(vistarig-sim PRIVATE ${FREETYPE_INCLUDE_DIRS})
 target_compile_definitions(vistarig-sim PRIVATE
-  VISTARIG_XPL_PATH="Vistarig/win_x64/Vistarig.xpl" VISTARIG_SOURCE_DIR="")
+  VISTARIG_XPL_PATH="Vistarig/win_x64/Vistarig.xpl" VISTARIG_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
 set_target_properties(vistarig-sim PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 add_dependencies(vistarig-sim Vistarig)
 
