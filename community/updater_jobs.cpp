@@ -1,13 +1,11 @@
 #include "community/updater_jobs.h"
 
-#include <dirent.h>
-#include <sys/stat.h>
-
 #include <cstdio>
 
 #include "community/community_names.h"
 #include "community/ftp_session.h"
 #include "community/server_text.h"
+#include "platform/file_system.h"
 
 std::vector<std::string> UpdaterJob::newsLines() const {
     std::lock_guard<std::mutex> hold(newsLock);
@@ -94,18 +92,13 @@ bool readListing(UpdaterJob& job, netbuf* control, SyncMap& server) {
 
 void readLocalFolder(UpdaterJob& job, SyncMap& local) {
     int count = 0;
-    if (DIR* folder = opendir(job.localFolder.c_str())) {
-        while (dirent* entry = readdir(folder)) {
-            const std::string name = entry->d_name;
-            if (name == "." || name == "..") continue;
-            struct stat info;
-            // Plain files only: a link or a folder is left alone.
-            if (lstat((job.localFolder + job.separator + name).c_str(), &info) != 0 || !S_ISREG(info.st_mode)) continue;
-            ++count;
-            insertSyncEntry(local, name);
-        }
-        closedir(folder);
-    }
+    listFolder(job.localFolder.c_str(), [&](const char* name, EntryKind) {
+        // Plain files only: a link or a folder is left alone.
+        if (entryKind((job.localFolder + job.separator + name).c_str()) != EntryKind::file) return true;
+        ++count;
+        insertSyncEntry(local, name);
+        return true;
+    });
     job.localCount = count;
 }
 
@@ -180,7 +173,7 @@ void runUpdaterUpdate(UpdaterJob& job) {
     if (job.cancelRequested) return finish(UpdaterJob::canceled);
 
     if (!job.filesToDownload.empty()) {
-        mkdir(job.localFolder.c_str(), 0755);
+        makeFolder(job.localFolder.c_str());
         int failedStep = 0;
         std::string reply;
         if (netbuf* control = openCommunitySession(failedStep, reply)) {
@@ -206,9 +199,8 @@ void runUpdaterUpdate(UpdaterJob& job) {
                 unsigned int announced = 0;
                 const bool sized = FtpSize(remote.c_str(), &announced, FTPLIB_IMAGE, control) != 0;
                 const bool got = FtpGet(temporary.c_str(), remote.c_str(), FTPLIB_IMAGE, control) != 0;
-                struct stat stored;
-                const bool whole = !sized || (stat(temporary.c_str(), &stored) == 0 &&
-                                              static_cast<uint64_t>(stored.st_size) == announced);
+                uint64_t stored = 0;
+                const bool whole = !sized || (fileSize(temporary.c_str(), stored) && stored == announced);
                 // A transfer the guard ended may still look complete to ftplib.
                 if (!got || !whole || guard.reason != TransferGuard::none) {
                     std::remove(temporary.c_str());
@@ -222,7 +214,7 @@ void runUpdaterUpdate(UpdaterJob& job) {
                     std::remove(temporary.c_str());
                     break;
                 }
-                if (std::rename(temporary.c_str(), (job.localFolder + job.separator + name).c_str()) != 0) {
+                if (!renameReplacing(temporary.c_str(), (job.localFolder + job.separator + name).c_str())) {
                     std::remove(temporary.c_str());
                     job.errorText = "Unable to store aircraft file, " + name + ", in the community folder";
                     break;

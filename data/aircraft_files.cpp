@@ -11,6 +11,7 @@
 #include "data/camera_file.h"
 #include "data/text_io.h"
 #include "data/user_messages.h"
+#include "platform/file_system.h"
 #include "platform/runtime.h"
 
 namespace {
@@ -32,7 +33,7 @@ Aircraft userAircraft() {
     Aircraft aircraft;
     aircraft.modelFile = fileName;
     std::string full = path;
-    size_t slash = full.find_last_of('/');
+    size_t slash = lastPathSeparator(full);
     aircraft.folder = slash == std::string::npos ? std::string() : full.substr(0, slash + 1);
     return aircraft;
 }
@@ -98,13 +99,22 @@ void sharedInfoPath(std::string& out) {
 }
 
 bool pluginDirectoryFromPath(const char* pluginFilePath, std::string& out) {
-    std::string path = pluginFilePath ? pluginFilePath : "";
-    size_t at = path.find("plugins/");
-    if (at == std::string::npos) return false;
-    size_t slash = path.find('/', at + std::strlen("plugins/"));
-    if (slash == std::string::npos) return false;
-    out = path.substr(0, slash + 1);
-    return true;
+    // The plug-in's folder is the one inside "plugins", whichever separators the
+    // simulator uses (on Windows "C:\X-Plane 12\Resources\plugins\Vistarig\win_x64\...").
+    const std::string path = pluginFilePath ? pluginFilePath : "";
+    const size_t length = std::strlen("plugins");
+    for (size_t at = path.find("plugins"); at != std::string::npos; at = path.find("plugins", at + 1)) {
+        if (at + length >= path.size() || !isPathSeparator(path[at + length])) continue;
+        if (at > 0 && !isPathSeparator(path[at - 1])) continue;
+        for (size_t end = at + length + 1; end < path.size(); ++end) {
+            if (!isPathSeparator(path[end])) continue;
+            if (end == at + length + 1) break;  // "plugins//": no folder name
+            out = path.substr(0, end + 1);
+            return true;
+        }
+        return false;
+    }
+    return false;
 }
 
 bool pluginDirectory(std::string& out) {
@@ -130,7 +140,7 @@ void overridePluginDirectory(const char* path) {
         return;
     }
     cachedPluginDirectory = path;
-    if (cachedPluginDirectory.back() != '/') cachedPluginDirectory += '/';
+    if (!isPathSeparator(cachedPluginDirectory.back())) cachedPluginDirectory += '/';
     pluginDirectoryKnown = true;
 }
 
@@ -143,12 +153,17 @@ std::string communityAircraftFolder() {
 // ---------------------------------------------------------------- backups
 
 std::string backupNameFor(const char* path) {
-    const char* at = std::strstr(path ? path : "", "/Aircraft/");
-    if (!at) return std::string();
-    std::string name(at + std::strlen("/Aircraft/"));
+    const std::string text = path ? path : "";
+    const size_t length = std::strlen("Aircraft");
+    size_t at = text.find("Aircraft");
+    while (at != std::string::npos &&
+           (at == 0 || !isPathSeparator(text[at - 1]) || at + length >= text.size() || !isPathSeparator(text[at + length])))
+        at = text.find("Aircraft", at + 1);
+    if (at == std::string::npos) return std::string();
+    std::string name = text.substr(at + length + 1);
     if (name.size() > 2000) name.resize(2000);
     for (char& c : name)
-        if (c == '/') c = '_';
+        if (isPathSeparator(c)) c = '_';
     return name;
 }
 

@@ -1,7 +1,8 @@
 // Where the user's files lie and how they are named: the camera files beside the
 // aircraft, the plug-in's own folder and the folders below it, the backups taken on
 // saving, the ".shr" shared-info file, and the background scan of the community
-// camera folder. All paths use "/" (native paths are on).
+// camera folder. Native paths are on: "/" everywhere, and on Windows "\" as well, with
+// a drive letter; what the plug-in adds itself uses "/", which Windows takes too.
 #pragma once
 
 #include <atomic>

@@ -1,12 +1,10 @@
 #include "data/file_tree.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <cstring>
 #include <system_error>
+
+#include "platform/file_system.h"
 
 namespace {
 
@@ -25,23 +23,6 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' ||
 // A string's heap block, if it has outgrown its own small buffer.
 size_t heapBytes(const std::string& text) {
     return text.capacity() > std::string().capacity() ? text.capacity() + 1 : 0;
-}
-
-enum class EntryKind { folder, file, other };
-
-// Folders, regular files and entries whose type the listing doesn't tell; the last are
-// asked of the file system, so a folder on such a system still reads as a folder.
-EntryKind kindOf(DIR* folder, const dirent* entry) {
-    switch (entry->d_type) {
-        case DT_DIR: return EntryKind::folder;
-        case DT_REG: return EntryKind::file;
-        case DT_UNKNOWN: break;
-        default: return EntryKind::other;
-    }
-    struct stat status;
-    if (fstatat(dirfd(folder), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return EntryKind::file;
-    if (S_ISDIR(status.st_mode)) return EntryKind::folder;
-    return S_ISREG(status.st_mode) ? EntryKind::file : EntryKind::other;
 }
 
 bool filterNode(FileNode& node, const std::string& filter) {
@@ -82,14 +63,10 @@ FileNode makeFolderNode(const std::string& path) {
 }
 
 void scanFolder(FileNode& node, const std::atomic<bool>& cancel, std::atomic<int>& count) {
-    DIR* folder = opendir(node.path.c_str());
-    if (!folder) return;
-    while (const dirent* entry = readdir(folder)) {
-        if (cancel.load(std::memory_order_relaxed)) break;
-        const char* name = entry->d_name;
-        switch (kindOf(folder, entry)) {
+    listFolder(node.path.c_str(), [&](const char* name, EntryKind kind) {
+        if (cancel.load(std::memory_order_relaxed)) return false;
+        switch (kind) {
             case EntryKind::folder:
-                if (!std::strcmp(name, ".") || !std::strcmp(name, "..")) break;
                 node.folders.push_back(makeFolderNode(node.path + name + "/"));
                 // A later push may move this child, but only after its scan is done.
                 scanFolder(node.folders.back(), cancel, count);
@@ -102,10 +79,10 @@ void scanFolder(FileNode& node, const std::atomic<bool>& cancel, std::atomic<int
                 count.fetch_add(1, std::memory_order_relaxed);
                 break;
             }
-            case EntryKind::other: break;
+            default: break;
         }
-    }
-    closedir(folder);
+        return true;
+    });
     // The tree stays in memory for as long as the selector is open: no growth slack.
     node.files.shrink_to_fit();
     node.folders.shrink_to_fit();

@@ -1,14 +1,12 @@
 #include "data/kept_copies.h"
 
-#include <sys/stat.h>
-
 #include <cstring>
-#include <filesystem>
 #include <set>
 
 #include "data/aircraft_files.h"
 #include "data/text_io.h"
 #include "data/user_messages.h"
+#include "platform/file_system.h"
 #include "platform/runtime.h"
 
 namespace {
@@ -24,15 +22,13 @@ std::string backupsFolder() {
     if (!pluginDirectory(folder)) return std::string();
     folder += "AircraftCameraBackups/";
     // A fresh install may lack it; the copy matters more than the folder's absence.
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
+    makeFolder(folder.c_str());
     return folder;
 }
 
 // Writes a new file that must not replace anything: false when `path` exists.
 bool writeNewFile(const std::string& path, const std::string& content) {
-    struct stat info;
-    if (lstat(path.c_str(), &info) == 0) return false;
+    if (pathPresent(path.c_str())) return false;
     return replaceFileAtomically(path.c_str(), content);
 }
 
@@ -63,7 +59,7 @@ std::string keptCopyBaseName(const char* path) {
     std::string name = backupNameFor(path);
     if (!name.empty()) return name;
     std::string whole = path ? path : "";
-    size_t slash = whole.find_last_of('/');
+    size_t slash = lastPathSeparator(whole);
     return slash == std::string::npos ? whole : whole.substr(slash + 1);
 }
 
@@ -76,20 +72,19 @@ std::string keepOriginalCopy(const char* path, const char* why, bool* made) {
 
     std::string stem = keptCopyBaseName(path) + "." + why + "-";
     // The same damaged file loaded again needs no second copy.
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        std::string name = entry.path().filename().string();
-        if (name.compare(0, stem.size(), stem) != 0) continue;
+    std::string same;
+    listFolder(folder.c_str(), [&](const char* name, EntryKind) {
+        if (std::strncmp(name, stem.c_str(), stem.size()) != 0) return true;
         std::string held;
-        if (readWholeFile(entry.path().c_str(), held, original.size() + 1) && held == original)
-            return entry.path().string();
-    }
+        if (readWholeFile((folder + name).c_str(), held, original.size() + 1) && held == original) same = folder + name;
+        return same.empty();
+    });
+    if (!same.empty()) return same;
 
     std::string base = folder + stem + localTimeText("%Y-%m-%d_%H%M%S");
     std::string copy = base;
     for (int n = 2; n < 100 && !writeNewFile(copy, original); ++n) {
-        struct stat info;
-        if (lstat(copy.c_str(), &info) != 0) return std::string();  // the write itself failed
+        if (!pathPresent(copy.c_str())) return std::string();  // the write itself failed
         copy = base + "-" + std::to_string(n);
     }
     if (made) *made = true;

@@ -1,8 +1,5 @@
 #include "data/text_io.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -13,6 +10,12 @@
 #include <cstring>
 #include <ctime>
 #include <type_traits>
+
+#include "platform/file_system.h"
+
+#ifdef _WIN32
+#define getc_unlocked _getc_nolock
+#endif
 
 namespace {
 
@@ -375,23 +378,11 @@ bool readBoundedLine(std::FILE* file, char* line, int capacity) {
 
 namespace {
 
-bool writeAll(int fd, const std::string& content) {
-    const char* data = content.data();
-    size_t left = content.size();
-    while (left > 0) {
-        ssize_t written = ::write(fd, data, left);
-        if (written < 0) {
-            if (errno == EINTR) continue;
-            return false;
-        }
-        data += written;
-        left -= size_t(written);
-    }
-    return true;
-}
-
 std::string folderOf(const std::string& path) {
-    size_t slash = path.find_last_of('/');
+    size_t slash = path.size();
+    while (slash > 0 && !isPathSeparator(path[slash - 1])) --slash;
+    if (slash == 0) return std::string();
+    --slash;
     if (slash == std::string::npos) return std::string();
     return path.substr(0, slash + 1);
 }
@@ -410,31 +401,31 @@ bool rewriteInPlace(const std::string& target, const std::string& content, std::
         return false;
     }
     std::string aside = target + ".oldXXXXXX";
-    int asideFd = mkstemp(&aside[0]);
+    int asideFd = makeTemporaryFile(aside);
     if (asideFd < 0) {
         setReason(why, std::string("no copy of it could be made: ") + std::strerror(errno));
         return false;
     }
-    bool kept = writeAll(asideFd, old) && fsync(asideFd) == 0;
-    if (::close(asideFd) != 0) kept = false;
+    bool kept = writeAllBytes(asideFd, old) && syncFile(asideFd);
+    if (!closeFile(asideFd)) kept = false;
     if (!kept) {
-        ::unlink(aside.c_str());
+        removeFile(aside.c_str());
         setReason(why, "no copy of it could be made");
         return false;
     }
     auto rewrite = [&](const std::string& bytes) {
-        int fd = ::open(target.c_str(), O_WRONLY | O_TRUNC);
+        int fd = openForRewrite(target.c_str());
         if (fd < 0) return false;
-        bool ok = writeAll(fd, bytes) && fsync(fd) == 0;
-        if (::close(fd) != 0) ok = false;
+        bool ok = writeAllBytes(fd, bytes) && syncFile(fd);
+        if (!closeFile(fd)) ok = false;
         return ok;
     };
     if (rewrite(content)) {
-        ::unlink(aside.c_str());
+        removeFile(aside.c_str());
         return true;
     }
     // Put the old bytes back; if even that fails, the copy aside stays for the user.
-    if (rewrite(old)) ::unlink(aside.c_str());
+    if (rewrite(old)) removeFile(aside.c_str());
     setReason(why, "it could not be rewritten");
     return false;
 }
@@ -445,13 +436,9 @@ std::string resolveLinks(const std::string& path) {
     std::string current = path;
     // As many hops as the system allows before it calls a chain a loop.
     for (int hop = 0; hop < 40; ++hop) {
-        struct stat info;
-        if (lstat(current.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return current;
-        std::string target(size_t(info.st_size > 0 ? info.st_size : 4096) + 1, '\0');
-        ssize_t length = readlink(current.c_str(), &target[0], target.size());
-        if (length < 0 || size_t(length) >= target.size()) return current;
-        target.resize(size_t(length));
-        current = target[0] == '/' ? target : folderOf(current) + target;
+        std::string target;
+        if (!readSymbolicLink(current, target) || target.empty()) return current;
+        current = isAbsolutePath(target) ? target : folderOf(current) + target;
     }
     return current;
 }
@@ -492,7 +479,7 @@ bool replaceFileAtomically(const char* path, const std::string& content, std::st
         }
         // The mode counts even where the system would let us through (as root): a file
         // without any write permission was protected by its user on purpose.
-        if ((info.st_mode & 0222) == 0 || ::access(target.c_str(), W_OK) != 0) {
+        if ((info.st_mode & 0222) == 0 || !writeAllowed(target.c_str())) {
             setReason(why, "it is read-only");
             return false;
         }
@@ -500,31 +487,24 @@ bool replaceFileAtomically(const char* path, const std::string& content, std::st
     }
 
     std::string temporary = target + ".tmpXXXXXX";
-    int fd = mkstemp(&temporary[0]);
+    int fd = makeTemporaryFile(temporary);
     if (fd < 0) {
         setReason(why, std::string("its folder can't be written: ") + std::strerror(errno));
         return false;
     }
-    bool ok = writeAll(fd, content);
+    bool ok = writeAllBytes(fd, content);
     if (ok) {
-        if (exists) {
-            // Best effort: the owner can only be given back where we may do so.
-            if (fchown(fd, info.st_uid, info.st_gid) != 0) {
-            }
-            fchmod(fd, info.st_mode & 07777);
-        } else {
-            // mkstemp gives 0600; a new user file gets the usual permissions.
-            mode_t mask = umask(0);
-            umask(mask);
-            fchmod(fd, 0666 & ~mask);
-        }
+        if (exists)
+            copyOwnerAndMode(fd, info);
+        else
+            giveNewFileMode(fd);
     }
-    if (ok && fsync(fd) != 0) ok = false;
-    if (::close(fd) != 0) ok = false;
-    if (ok && std::rename(temporary.c_str(), target.c_str()) != 0) ok = false;
+    if (ok && !syncFile(fd)) ok = false;
+    if (!closeFile(fd)) ok = false;
+    if (ok && !renameReplacing(temporary.c_str(), target.c_str())) ok = false;
     if (!ok) {
         setReason(why, std::string("writing failed: ") + std::strerror(errno));
-        ::unlink(temporary.c_str());
+        removeFile(temporary.c_str());
     }
     return ok;
 }
@@ -543,8 +523,7 @@ bool fileMissing(const char* path) {
 
 std::string localTimeText(const char* format) {
     std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
+    std::tm local = localTimeOf(now);
     char text[64];
     if (std::strftime(text, sizeof text, format, &local) == 0) text[0] = 0;
     return text;

@@ -5,6 +5,7 @@
 
 #include "XPLMPlanes.h"
 #include "host/core_parts.h"
+#include "host/portable.h"
 
 namespace xphost {
 
@@ -219,7 +220,7 @@ void XPLMGetNthAircraftModel(int inIndex, char* outFileName, char* outPath) {
     }
     size_t slash = full.rfind('/');
     copyOut(outFileName, slash == std::string::npos ? full : full.substr(slash + 1));
-    copyOut(outPath, full);
+    copyOut(outPath, nativePath(full));
 }
 
 void XPLMSetUsersAircraft(const char* inAircraftPath) {

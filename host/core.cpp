@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "host/core_parts.h"
+#include "host/portable.h"
 
 namespace xphost {
 
@@ -288,7 +289,7 @@ const std::vector<std::string>& leaks() {
 
 void setRoot(const std::string& root) {
     ensureInitialized();
-    std::string r = root;
+    std::string r = absoluteFolder(root);
     if (r.empty() || r.back() != '/') r += '/';
     std::string old = core().root;
     core().root = r;

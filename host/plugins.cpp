@@ -1,6 +1,6 @@
 // Plug-ins: loading from disk or from entry points, their life cycle, identity,
 // messages, features, and the report of what a stopped plug-in left registered.
-#include <dlfcn.h>
+#include "host/portable.h"
 
 #include <algorithm>
 #include <cstring>
@@ -166,7 +166,7 @@ int addStandInPlugin(const char* name, const char* signature, const char* descri
     p.name = name;
     p.signature = signature;
     p.description = description ? description : "";
-    p.path = root() + "Resources/plugins/" + p.name + "/lin_x64/" + p.name + ".xpl";
+    p.path = root() + "Resources/plugins/" + p.name + "/" + xplPlatformFolder() + "/" + p.name + ".xpl";
     p.entry.receive = receive;
     p.enabled = true;
     p.standIn = true;
@@ -356,7 +356,7 @@ void XPLMGetPluginInfo(XPLMPluginID inPlugin, char* outName, char* outFilePath, 
         out[n] = 0;
     };
     put(outName, name);
-    put(outFilePath, path);
+    put(outFilePath, nativePath(path));
     put(outSignature, signature);
     put(outDescription, description);
 }

@@ -7,6 +7,7 @@
 
 #include "XPLMUtilities.h"
 #include "host/core_parts.h"
+#include "host/portable.h"
 
 namespace xphost {
 
@@ -27,17 +28,18 @@ using namespace xphost;
 
 void XPLMGetSystemPath(char* outSystemPath) {
     if (!checkThread("XPLMGetSystemPath")) return;
-    copyOut(outSystemPath, root());
+    copyOut(outSystemPath, nativePath(root()));
 }
 
 void XPLMGetPrefsPath(char* outPrefsPath) {
     if (!checkThread("XPLMGetPrefsPath")) return;
-    copyOut(outPrefsPath, root() + "Output/preferences/Set X-Plane.prf");
+    copyOut(outPrefsPath, nativePath(root() + "Output/preferences/Set X-Plane.prf"));
 }
 
 const char* XPLMGetDirectorySeparator(void) {
-    if (!checkThread("XPLMGetDirectorySeparator")) return "/";
-    return "/";
+    static const std::string separator = nativePath("/");
+    if (!checkThread("XPLMGetDirectorySeparator")) return separator.c_str();
+    return separator.c_str();
 }
 
 char* XPLMExtractFileAndPath(char* inFullPath) {

@@ -2,10 +2,14 @@
 // boxels and OS pixels, positioning modes, visibility, layers and z-order, keyboard
 // focus, the title bar of decorated windows, monitors, and the draw pass that runs
 // the draw callbacks and windows each frame in the Mesa context.
+#ifdef _WIN32
+#include <windows.h>
+#endif
 #include <GL/gl.h>
 
-#include <sys/stat.h>
 #include <time.h>
+
+#include "host/portable.h"
 
 #include <algorithm>
 #include <climits>

@@ -14,6 +14,7 @@
 #include "panels/kvt_im_window.h"
 #include "panels/messages.h"
 #include "panels/updater_widget.h"
+#include "platform/file_system.h"
 #include "platform/runtime.h"
 
 namespace {
@@ -50,8 +51,7 @@ BrowseState& browse() {
 
 void nowText(char* out, size_t size) {
     const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
+    const std::tm local = localTimeOf(now);
     std::strftime(out, size, "%Y-%m-%d %H:%M:%S", &local);
 }
 

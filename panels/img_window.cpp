@@ -1,5 +1,8 @@
 #include "panels/img_window.h"
 
+#ifdef _WIN32
+#include <windows.h>  // before GL/gl.h, which needs its calling conventions
+#endif
 #include <GL/gl.h>
 #include <imgui.h>
 #include <imgui_freetype.h>
@@ -10,6 +13,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMGraphics.h"
 #include "XPLMPlugin.h"
+#include "data/aircraft_files.h"
 #include "data/text_io.h"
 #include "panels/ui_hooks.h"
 
@@ -31,16 +35,11 @@ void findDatarefs() {
     projectionRef = XPLMFindDataRef("sim/graphics/view/projection_matrix");
     frameRatePeriodRef = XPLMFindDataRef("sim/operation/misc/frame_rate_period");
 
-    // "Imgui.ini" lives in the plug-in's own folder: cut the path behind the first
-    // separator after "plugins/".
+    // "Imgui.ini" lives in the plug-in's own folder.
     char path[2048] = {};
     XPLMGetPluginInfo(XPLMGetMyID(), nullptr, path, nullptr, nullptr);
-    std::string folder = path;
-    const size_t found = folder.find("plugins/");
-    if (found != std::string::npos) {
-        const size_t slash = folder.find('/', found + std::strlen("plugins/"));
-        if (slash != std::string::npos) folder.resize(slash + 1);
-    }
+    std::string folder;
+    pluginDirectoryFromPath(path, folder);
     iniPath = folder + "Imgui.ini";
     datarefsFound = true;
 }

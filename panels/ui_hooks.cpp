@@ -1,6 +1,7 @@
 #include "panels/ui_hooks.h"
 
-#include <dlfcn.h>
+#include "platform/process_hooks.h"
+
 #include <imgui.h>
 #include <imgui_internal.h>
 
@@ -53,7 +54,13 @@ void startTextLog() {
     if (g.LogEnabled || !g.CurrentWindow) return;
     // The stream writes its buffer's place into the record: it must not move.
     TextStream& stream = capture.streams.emplace_back();
+#ifdef _WIN32
+    // No memory streams there; the Windows stand-in drives no panels, so only the
+    // items are recorded.
+    stream.file = nullptr;
+#else
     stream.file = open_memstream(&stream.data, &stream.size);
+#endif
     if (!stream.file) {
         capture.streams.pop_back();
         return;
@@ -87,7 +94,7 @@ std::string shortWindowName(const ImGuiWindow* window) {
 }  // namespace
 
 void uiHooksFrameBegin(ImGuiContext* context, void* windowId, int left, int top) {
-    capture.receiver = reinterpret_cast<VistarigUiReceiver>(dlsym(RTLD_DEFAULT, "vistarig_ui_frame"));
+    capture.receiver = reinterpret_cast<VistarigUiReceiver>(findProcessFunction("vistarig_ui_frame"));
     capture.context = context;
     capture.windowId = windowId;
     capture.left = left;

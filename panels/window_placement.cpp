@@ -1,6 +1,5 @@
 #include "panels/window_placement.h"
 
-#include <sys/stat.h>
 
 #include <charconv>
 #include <cmath>
@@ -9,6 +8,7 @@
 #include <string>
 
 #include "XPLMUtilities.h"
+#include "platform/file_system.h"
 
 namespace {
 
@@ -161,13 +161,12 @@ bool IsPositionOnMonitor(const WindowPosition& position) {
 
 const PrimaryMonitor& refreshPrimaryMonitor() {
     const std::string path = windowPositionsPath();
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
+    int64_t time = 0;
+    if (!modificationTime(path.c_str(), time)) {
         primary = PrimaryMonitor{};
         haveFileTime = false;
         return primary;
     }
-    const int64_t time = static_cast<int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
     if (haveFileTime && time == fileTime) return primary;
     haveFileTime = true;
     fileTime = time;

@@ -22,11 +22,11 @@ bool copyTextToClipboard(const char* text) {
 }
 
 #else
-#include <dlfcn.h>
+#include "platform/process_hooks.h"
 
 bool copyTextToClipboard(const char* text) {
     using Set = int (*)(const char*);
-    auto set = reinterpret_cast<Set>(dlsym(RTLD_DEFAULT, "vistarig_clipboard_set"));
+    auto set = reinterpret_cast<Set>(findProcessFunction("vistarig_clipboard_set"));
     return set && set(text) != 0;
 }
 #endif

@@ -3,7 +3,16 @@
 #ifdef _WIN32
 #include <windows.h>
 
-const char* processCommunityServer() { return nullptr; }
+#include <initializer_list>
+
+void* findProcessFunction(const char* name) {
+    for (const char* module : {"XPLM_64.dll", static_cast<const char*>(nullptr)}) {
+        HMODULE handle = GetModuleHandleA(module);
+        if (!handle) continue;
+        if (FARPROC found = GetProcAddress(handle, name)) return reinterpret_cast<void*>(found);
+    }
+    return nullptr;
+}
 
 void keepModuleLoaded() {
     HMODULE module = nullptr;
@@ -14,11 +23,7 @@ void keepModuleLoaded() {
 #else
 #include <dlfcn.h>
 
-const char* processCommunityServer() {
-    using Query = const char* (*)();
-    auto query = reinterpret_cast<Query>(dlsym(RTLD_DEFAULT, "vistarig_community_server"));
-    return query ? query() : nullptr;
-}
+void* findProcessFunction(const char* name) { return dlsym(RTLD_DEFAULT, name); }
 
 void keepModuleLoaded() {
     Dl_info info{};
@@ -27,3 +32,9 @@ void keepModuleLoaded() {
     dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 #endif
+
+const char* processCommunityServer() {
+    using Query = const char* (*)();
+    auto query = reinterpret_cast<Query>(findProcessFunction("vistarig_community_server"));
+    return query ? query() : nullptr;
+}

@@ -24,6 +24,13 @@ TEST_F(AircraftFilesTest, NamesComeFromTheModelUpToItsFirstFullStop) {
     EXPECT_TRUE(pluginDirectoryFromPath("/X/Resources/plugins/Vistarig/lin_x64/Vistarig.xpl", folder));
     EXPECT_EQ(folder, "/X/Resources/plugins/Vistarig/");
     EXPECT_FALSE(pluginDirectoryFromPath("/X/Resources/Vistarig/lin_x64/Vistarig.xpl", folder));
+    // "plugins" must be a whole folder name with a folder after it; the first such wins.
+    EXPECT_FALSE(pluginDirectoryFromPath("/X/myplugins/Vistarig/lin_x64/Vistarig.xpl", folder));
+    EXPECT_FALSE(pluginDirectoryFromPath("/X/Resources/plugins//Vistarig.xpl", folder));
+    EXPECT_TRUE(pluginDirectoryFromPath("/X/plugins.old/Resources/plugins/Vistarig/lin_x64/Vistarig.xpl", folder));
+    EXPECT_EQ(folder, "/X/plugins.old/Resources/plugins/Vistarig/");
+    // Linux file names may hold a backslash: it separates nothing there.
+    EXPECT_EQ(backupNameFor("/X/Aircraft/A\\B/Vistarig_Cub.csv"), "A\\B_Vistarig_Cub.csv");
 }
 
 TEST_F(AircraftFilesTest, SaveWithBackupCopiesTheFileUnderAFlattenedName) {

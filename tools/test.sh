@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks the order of layers, then builds and runs every suite twice: a plain build,
 # and one under AddressSanitizer and UndefinedBehaviorSanitizer. Threaded parts run
-# again under ThreadSanitizer, and each file reader is fuzzed for a short while.
+# again under ThreadSanitizer, the Windows plug-in is cross-built and run under Wine,
+# and each file reader is fuzzed for a short while.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=$(nproc)
@@ -44,6 +45,14 @@ TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1:suppressions=$root/tools/t
   | tee "$tsan_build/tsan.log"
 tsan_count=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\..*/\1/p' "$tsan_build/tsan.log" | tail -n 1)
 passed=$((passed + ${tsan_count:-0}))
+
+# The Windows plug-in from the same sources, checked under Wine against the plain build's
+# runner (tools/test-windows.sh installs MinGW-w64 and Wine when they are missing).
+echo "== windows"
+bash "$root/tools/test-windows.sh" "$root/build/plain/vistarig-sim" | tee "$root/build/windows-checks.log"
+windows_count=$(sed -n 's/^windows: \([0-9]*\) passed, 0 failed$/\1/p' "$root/build/windows-checks.log" | tail -n 1)
+[ -n "$windows_count" ] || { echo "test: the Windows checks did not finish" >&2; exit 1; }
+passed=$((passed + windows_count))
 
 # Every file reader fuzzed for a short while, seeded from the kept corpus.
 echo "== fuzz smoke, ${fuzz_seconds}s a target"

@@ -1,7 +1,7 @@
 // The files of the runner's default X-Plane tree, and writing them to disk.
 #include "default_tree.h"
 
-#include <sys/stat.h>
+#include "host/portable.h"
 
 #include <cerrno>
 #include <cstdio>

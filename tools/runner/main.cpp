@@ -1,8 +1,13 @@
 // vistarig-sim: builds an X-Plane tree, installs and loads the plug-in in the
 // simulator host, flies the default path or runs a scenario, and writes what the
 // simulator was given each frame beside the log.
-#include <sys/stat.h>
+#include "host/portable.h"
+#ifdef _WIN32
+#include <direct.h>
+#define getcwd _getcwd
+#else
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <cstring>
@@ -94,14 +99,17 @@ bool parseArgs(int argc, char** argv, Options& o, std::string& error) {
 }
 
 std::string absolutePath(const std::string& path) {
-    if (!path.empty() && path[0] == '/') return path;
+    if (!path.empty() && path[0] == '/') return xphost::absoluteFolder(path);
+#ifdef _WIN32
+    if (path.size() > 2 && path[1] == ':') return xphost::absoluteFolder(path);
+#endif
     char cwd[4096];
     if (!getcwd(cwd, sizeof cwd)) return path;
     return std::string(cwd) + "/" + path;
 }
 
 bool installPlugin(const std::string& from, const std::string& root, std::string& installed) {
-    std::string folder = root + "Resources/plugins/Vistarig/lin_x64/";
+    std::string folder = root + "Resources/plugins/Vistarig/" + xphost::xplPlatformFolder() + "/";
     mkdir((root + "Resources/plugins/Vistarig").c_str(), 0755);
     mkdir(folder.c_str(), 0755);
     installed = folder + "Vistarig.xpl";
@@ -167,6 +175,10 @@ int main(int argc, char** argv) {
     xphost::setRoot(root);
     xphost::setUserAircraft(defaultAircraftPath);
     xphost::setLogUnknownDataRefs(options.debug);
+#ifdef _WIN32
+    // The Windows stand-in has no renderer: every run goes as with --no-draw.
+    options.draw = false;
+#endif
     xphost::setDrawing(options.draw);
     for (int i = 0; i < defaultTreeFileCount; ++i)
         if (std::strstr(defaultTreeFiles[i].path, "/Vistarig_") != nullptr) learnCameraNames(defaultTreeFiles[i].content);

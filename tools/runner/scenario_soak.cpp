@@ -1,7 +1,12 @@
 // Scenario verbs of long runs: a soak that works the plug-in the way a user does for
 // hours and measures the process's memory, and pictures for the contact sheet.
+#ifdef _WIN32
+#include <windows.h>
+#include <psapi.h>
+#else
 #include <sys/resource.h>
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <ostream>
@@ -15,6 +20,19 @@ namespace {
 
 using xphost::ScenarioLine;
 
+#ifdef _WIN32
+long residentKilobytes() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (!GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters)) return 0;
+    return static_cast<long>(counters.WorkingSetSize / 1024);
+}
+
+long peakKilobytes() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (!GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters)) return 0;
+    return static_cast<long>(counters.PeakWorkingSetSize / 1024);
+}
+#else
 long residentKilobytes() {
     long pages = 0, resident = 0;
     std::FILE* f = std::fopen("/proc/self/statm", "r");
@@ -29,6 +47,7 @@ long peakKilobytes() {
     ::getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss;  // kilobytes on Linux
 }
+#endif
 
 // One 2-second cycle of a user at work: the next camera (every seventh time the next
 // category, so outside and cockpit cameras and their transitions all come round),
