@@ -29,6 +29,9 @@ bool writePng(const std::string&, const uint8_t*, int, int, std::string* error) 
 
 std::string drawTitleText(const std::string& text, float, float, float, float) { return text; }
 void drawScene(int, int) {}
+// Markers only show in pictures, which this host doesn't draw.
+void addMarker(double, double, double) {}
+void clearMarkers() {}
 
 }  // namespace xphost
 

@@ -159,9 +159,12 @@ ScenarioVerbRegistration expect("expect", "expect DATAREF[INDEX] VALUE [TOLERANC
 });
 
 ScenarioVerbRegistration expectLog("expect_log", "expect_log TEXT   (the log holds TEXT)", [](ScenarioLine& line) {
-    if (line.text.empty()) return std::string("usage: expect_log TEXT");
-    if (logText().find(line.text) == std::string::npos) return "the log lacks \"" + line.text + "\"";
-    *line.out << "ok log has \"" << line.text << "\"\n";
+    // Written bare or in quotes: "TEXT" looks for TEXT, as it does for the other verbs.
+    std::string text = line.text;
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') text = text.substr(1, text.size() - 2);
+    if (text.empty()) return std::string("usage: expect_log TEXT");
+    if (logText().find(text) == std::string::npos) return "the log lacks \"" + text + "\"";
+    *line.out << "ok log has \"" << text << "\"\n";
     return std::string();
 });
 
