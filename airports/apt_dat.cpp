@@ -45,13 +45,7 @@ bool isBlank(char c) { return kindOf(c) == kBlankByte; }
 // The end of the field at `p` in a terminated text ending at `end`: eight bytes at a
 // time while none is below '!' (every blank and NUL is), then byte by byte.
 const char* fieldEnd(const char* p, const char* end) {
-    constexpr uint64_t kOnes = 0x0101010101010101u;
-    while (end - p >= 8) {
-        uint64_t chunk;
-        std::memcpy(&chunk, p, sizeof chunk);
-        if (((chunk - kOnes * '!') & ~chunk & kOnes * 0x80) != 0) break;
-        p += 8;
-    }
+    p = skipWordBytes(p, end);
     while (kindOf(*p) == kFieldByte) ++p;
     return p;
 }

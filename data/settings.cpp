@@ -156,13 +156,7 @@ bool isSeparator(char c) { return kSeparators.of[static_cast<unsigned char>(c)] 
 // The end of the word at `p`: eight bytes at a time while none of them is below '!'
 // (every separator is), then byte by byte.
 const char* wordEnd(const char* p, const char* end) {
-    constexpr uint64_t kOnes = 0x0101010101010101u;
-    while (end - p >= 8) {
-        uint64_t chunk;
-        std::memcpy(&chunk, p, sizeof chunk);
-        if (((chunk - kOnes * '!') & ~chunk & kOnes * 0x80) != 0) break;
-        p += 8;
-    }
+    p = skipWordBytes(p, end);
     while (p != end && !isSeparator(*p)) ++p;
     return p;
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 // Like "%d", "%f", "%lf": leading white space and a '+' are skipped and the longest
@@ -49,6 +50,20 @@ bool isWholeNumber(const char* text, bool integer);
 // Control bytes other than tab, line ends and NUL (which TextLines counts): bytes no
 // camera or target file holds, and that a write would not give back.
 int countControlBytes(const char* text, size_t size);
+
+// Moves `p` on eight bytes at a time while none of them is below '!' (every blank, line
+// end and NUL is), stopping at the first word that holds one or fewer than eight bytes
+// before `end`; the caller finishes byte by byte. The fast part of the word scanners.
+inline const char* skipWordBytes(const char* p, const char* end) {
+    constexpr uint64_t kOnes = 0x0101010101010101u;
+    while (end - p >= 8) {
+        uint64_t chunk;
+        std::memcpy(&chunk, p, sizeof chunk);
+        if (((chunk - kOnes * '!') & ~chunk & kOnes * 0x80) != 0) break;
+        p += 8;
+    }
+    return p;
+}
 
 // Lines of a text in memory, read as readBoundedLine reads a file, and more: a leading
 // UTF-8 byte order mark is skipped, a lone carriage return ends a line too (old

@@ -39,32 +39,45 @@ AircraftTable& planes() {
 
 constexpr double degToRad = 3.14159265358979323846 / 180.0;
 
-// The default path in closed form, so any frame can be computed without history.
 void holdAttitude(AircraftState& s) {
     if (!planes().attitudeHeld) return;
     s.theta = planes().heldPitch;
     s.phi = planes().heldRoll;
 }
 
-AircraftState scripted(const FlightPath& p, double t) {
-    AircraftState s;
-    double h0 = p.headingDeg * degToRad;
-    double w = p.turnRate * degToRad;
+}  // namespace
+
+PathPoint alongPath(double speed, double headingDeg, double turnRateDeg, double t) {
+    PathPoint at;
+    const double h0 = headingDeg * degToRad;
+    const double w = turnRateDeg * degToRad;
     double east, north;
     if (std::fabs(w) < 1e-9) {
-        east = p.speed * t * std::sin(h0);
-        north = p.speed * t * std::cos(h0);
+        east = speed * t * std::sin(h0);
+        north = speed * t * std::cos(h0);
     } else {
         // Integral of (sin h, cos h) with h = h0 + w t.
-        east = p.speed / w * (std::cos(h0) - std::cos(h0 + w * t));
-        north = p.speed / w * (std::sin(h0 + w * t) - std::sin(h0));
+        east = speed / w * (std::cos(h0) - std::cos(h0 + w * t));
+        north = speed / w * (std::sin(h0 + w * t) - std::sin(h0));
     }
-    s.x = p.startX + east;
-    s.z = p.startZ - north;  // local z points south
-    s.y = p.startY + p.climbRate * t;
-    double heading = std::fmod(p.headingDeg + p.turnRate * t, 360.0);
+    at.dx = east;
+    at.dz = -north;
+    double heading = std::fmod(headingDeg + turnRateDeg * t, 360.0);
     if (heading < 0) heading += 360.0;
-    s.psi = static_cast<float>(heading);
+    at.headingDeg = static_cast<float>(heading);
+    return at;
+}
+
+namespace {
+
+// The default path in closed form, so any frame can be computed without history.
+AircraftState scripted(const FlightPath& p, double t) {
+    AircraftState s;
+    const PathPoint at = alongPath(p.speed, p.headingDeg, p.turnRate, t);
+    s.x = p.startX + at.dx;
+    s.z = p.startZ + at.dz;
+    s.y = p.startY + p.climbRate * t;
+    s.psi = at.headingDeg;
     s.theta = p.pitchDeg;
     s.phi = p.turnRate > 0 ? p.bankDeg : p.turnRate < 0 ? -p.bankDeg : 0.0f;
     s.groundSpeed = p.speed;

@@ -28,6 +28,15 @@ int scenarioPlugin();
 void runHeldCommands();
 void runFlightLoops(int phase);
 void moveAircraft(double time, double step);
+
+// Where a path flown at `speed` m/s from `headingDeg`, turning at `turnRateDeg` a second
+// (positive to the right), is after `t` seconds: local x and z moved (z points south)
+// and the heading, 0 to 360. The user's aircraft and the traffic fly such paths.
+struct PathPoint {
+    double dx = 0, dz = 0;
+    float headingDeg = 0;
+};
+PathPoint alongPath(double speed, double headingDeg, double turnRateDeg, double t);
 void runCamera();
 
 // Leak listers of the core units.

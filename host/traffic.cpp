@@ -35,22 +35,12 @@ void resetTraffic() { traffic() = TrafficState(); }
 
 AircraftState along(const TrafficPath& p, double t) {
     AircraftState s;
-    const double h0 = p.headingDeg * kDegToRad;
     const double w = p.turnRate * kDegToRad;
-    double east, north;
-    if (std::fabs(w) < 1e-9) {
-        east = p.speed * t * std::sin(h0);
-        north = p.speed * t * std::cos(h0);
-    } else {
-        east = p.speed / w * (std::cos(h0) - std::cos(h0 + w * t));
-        north = p.speed / w * (std::sin(h0 + w * t) - std::sin(h0));
-    }
-    s.x = p.startX + east;
+    const PathPoint at = alongPath(p.speed, p.headingDeg, p.turnRate, t);
+    s.x = p.startX + at.dx;
     s.y = p.startY + p.climbRate * t;
-    s.z = p.startZ - north;
-    double heading = std::fmod(p.headingDeg + p.turnRate * t, 360.0);
-    if (heading < 0) heading += 360.0;
-    s.psi = static_cast<float>(heading);
+    s.z = p.startZ + at.dz;
+    s.psi = at.headingDeg;
     s.theta = static_cast<float>(2.0 + std::atan2(p.climbRate, std::max(1.0f, p.speed)) / kDegToRad);
     s.phi = static_cast<float>(std::atan(p.speed * w / kGravity) / kDegToRad);
     s.groundSpeed = p.speed;
